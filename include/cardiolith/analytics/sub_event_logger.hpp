@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cardiolith/platform/analytics_backend.hpp"
+
+namespace cardiolith {
+
+// A further analytics sink that the app registers with EventLogger. Called on the "analytics" queue.
+class SubEventLogger {
+ public:
+  virtual ~SubEventLogger();
+  virtual void log(const std::string& name, const std::optional<AnalyticsParameters>& parameters) = 0;
+  virtual void updateUserProperties(const AnalyticsParameters& properties) = 0;
+};
+
+}  // namespace cardiolith

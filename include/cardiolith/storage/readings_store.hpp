@@ -1,0 +1,44 @@
+#pragma once
+
+#include <filesystem>
+#include <future>
+#include <memory>
+
+#include "cardiolith/model/readings.hpp"
+#include "cardiolith/platform/storage_locations.hpp"
+#include "cardiolith/storage/storage_options.hpp"
+
+namespace cardiolith {
+
+// Keeps the readings document in the file "readings" of the shared container. Construction moves a file
+// left in the private documents folder into the container and, with the launch argument
+// "DELETE_ALL_RECORDS", removes the file. Operations run one at a time, in call order, on the store's own
+// serial executor; nothing is cached between them. Separate stores share the file without a lock.
+// Destroying a store waits for the operations already submitted.
+class ReadingsStore {
+ public:
+  // Stops the process with "Can't find documents directory" when either folder is missing.
+  ReadingsStore();
+  explicit ReadingsStore(StorageLocations locations, StorageOptions options = {});
+  ~ReadingsStore();
+  ReadingsStore(const ReadingsStore&) = delete;
+  ReadingsStore& operator=(const ReadingsStore&) = delete;
+
+  // The stored document, or an empty one (logged) when the file can't be read or decoded. Never fails.
+  std::future<Readings> load();
+  // Like load(), but a file that exists and can't be read or decoded is an error (DecodingError or
+  // std::filesystem::filesystem_error) instead of an empty document; a missing file is an empty document.
+  // For writers that must not replace a document they could not read.
+  std::future<Readings> loadExisting();
+  // Replaces the file's whole content. EncodingError (the file untouched) or filesystem_error.
+  std::future<void> save(Readings readings);
+
+  // The file that load() reads and save() writes.
+  const std::filesystem::path& localDataPath() const;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace cardiolith

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "cardiolith/model/tag.hpp"
+#include "cardiolith/platform/observable.hpp"
+#include "cardiolith/platform/storage_locations.hpp"
+#include "cardiolith/storage/storage_options.hpp"
+
+namespace cardiolith {
+
+// The live list of tags, loaded once in the background from the file "tags" of the shared container (or
+// the ten default tags), with an index by id. Every change rebuilds the index and saves the whole list in
+// the background.
+//
+// Threads: every member may be called from any thread. The list and the index are guarded by the manager;
+// change notifications fire on the thread that makes the change (the loaded list's on a background
+// thread), outside the manager's lock, so a subscriber may call back into the manager.
+//
+// Ordering of saves: saves go to the store one after another in the order of the changes, and each writes
+// the list as it is when it runs, so the list written last is always the newest list.
+//
+// Changes before the load: a change made before the initial load has been applied is recorded and
+// replayed on the loaded list when it arrives, so neither the change nor the stored tags are lost. Its
+// save waits for the load.
+//
+// Destruction waits for the initial load and for every save.
+class TagsManager : public ObservableObject {
+ public:
+  // Stops the process with "Can't find documents directory" when the shared container is missing.
+  TagsManager();
+  explicit TagsManager(StorageLocations locations, StorageOptions options = {});
+  ~TagsManager() override;
+
+  // The current list; empty until the initial load has been applied.
+  std::vector<Tag> tags() const;
+  // The list after each change; a new subscriber receives the current list inside subscribe().
+  Publisher<std::vector<Tag>>& tagsPublisher();
+
+  // The last tag in list order with this id.
+  std::optional<Tag> tag(const UUID& id) const;
+  // The known tags of these ids, sorted by title ascending (stable); unknown ids are skipped.
+  std::vector<Tag> tags(const std::set<UUID>& ids) const;
+  // The titles of tags(ids) as one list text in the current locale.
+  std::optional<std::string> formattedListString(const std::set<UUID>& ids) const;
+
+  // Removes every tag with the same id or a canonically equal title, appends the tag and sorts the list by
+  // title ascending.
+  void insert(const Tag& tag);
+  // Removes every tag with the same id, appends the tag and sorts the list by title descending.
+  void update(const Tag& tag);
+  // Removes every tag with the same id; the rest keep their order.
+  void deleteTag(const Tag& tag);
+
+  // Blocks until the initial load has been applied and published.
+  void waitUntilLoaded() const;
+  // Blocks until every save started before the call has finished (a failure already logged).
+  void waitForPendingSaves() const;
+
+ private:
+  struct Impl;
+  std::shared_ptr<Impl> impl_;
+};
+
+}  // namespace cardiolith

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <unicode/timezone.h>
+
+#include <memory>
+
+namespace cardiolith::detail {
+
+// ICU's default time zone as it is now. ICU reads the TZ environment variable once and caches the zone;
+// a later change of TZ is noticed here and the default is detected from the host again. A zone installed
+// with icu::TimeZone::adoptDefault stays in force until TZ changes.
+std::unique_ptr<icu::TimeZone> currentDefaultTimeZone();
+
+}  // namespace cardiolith::detail

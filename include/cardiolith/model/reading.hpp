@@ -88,11 +88,17 @@ class Reading : public ObservableObject {
                            bool includeNotes) const;
 
  private:
-  struct DecodedTag {};
+  // Only `decoded` can make one, so the constructor below is public for std::make_shared alone.
+  struct DecodedTag {
+    explicit DecodedTag() = default;
+  };
+
+ public:
   Reading(DecodedTag, std::string id, Date date, std::int64_t systolic, std::int64_t diastolic,
           std::int64_t pulse, std::optional<std::string> notes, std::optional<std::set<UUID>> tagIDs,
           std::optional<HealthKitID> healthKitID);
 
+ private:
   std::string id_;
   Date date_;
   std::int64_t systolic_;

@@ -60,7 +60,10 @@ class ReadingsSummary {
 struct ReadingsSummarizer {
   // Current period: the readings from startDate to endDate, both included. Previous period: from D
   // calendar days before startDate up to startDate, both included, where D is the whole days from
-  // startDate to endDate in Calendar::current().
+  // startDate to endDate in Calendar::current(). Sums, means and changes are computed in single precision,
+  // in array order. The category is that of the current means truncated toward zero; a mean outside the
+  // int64 range (2^63 or more, or below -2^63: only readings near the ends of that range give one)
+  // saturates to INT64_MAX or INT64_MIN, so it still yields a category.
   static ReadingsSummary summarise(const ReadingList& readings, Date startDate, Date endDate);
   // The single-precision mean of one field, accumulated in array order; nothing for no readings.
   static std::optional<float> getAverage(Reading::ValueType valueType, const ReadingList& readings);

@@ -23,9 +23,10 @@ struct BackendSlot {
   std::shared_ptr<AnalyticsBackend> backend = std::make_shared<SilentBackend>();
 };
 
+// Never destroyed: work that runs during exit (analytics queued before it, static destructors) still uses it.
 BackendSlot& slot() {
-  static BackendSlot instance;
-  return instance;
+  static auto* const instance = new BackendSlot;
+  return *instance;
 }
 
 std::string typeName(const std::exception& error) {

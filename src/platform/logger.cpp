@@ -32,9 +32,10 @@ struct HandlerSlot {
   std::shared_ptr<const Handler> handler;
 };
 
+// Never destroyed: work that runs during exit (analytics queued before it, static destructors) still uses it.
 HandlerSlot& slot() {
-  static HandlerSlot instance;
-  return instance;
+  static auto* const instance = new HandlerSlot;
+  return *instance;
 }
 
 }  // namespace

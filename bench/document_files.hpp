@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+
+namespace cardiolith::bench {
+
+// A folder holding the file "readings" with the generated document of this size, written once per
+// process, removed at exit. The folder is laid out as a store's shared container.
+const std::filesystem::path& documentFolder(std::size_t readingCount);
+
+// The floor for loading: the whole file into a string with one open, fstat and read loop.
+std::string readFileBytes(const std::filesystem::path& path);
+
+}  // namespace cardiolith::bench

@@ -76,14 +76,14 @@ ReadingsSummary ReadingsSummarizer::summarise(const ReadingList& readings, Date 
   const std::optional<PeriodMeans> previous = periodMeans(previousPeriod(readings, startDate, endDate));
 
   if (current) {
-    summary.currentPeriodAverage_ = ReadingsSummary::AverageReading(current->systolic, current->diastolic,
-                                                                     current->pulse);
+    summary.currentPeriodAverage_ =
+        ReadingsSummary::AverageReading(current->systolic, current->diastolic, current->pulse);
     summary.currentPeriodAverageAnalysis_ = BloodPressureAnalyzer::result(
         truncatedTowardZero(current->systolic), truncatedTowardZero(current->diastolic));
   }
   if (previous) {
-    summary.previousPreviousAverage_ = ReadingsSummary::AverageReading(previous->systolic, previous->diastolic,
-                                                                        previous->pulse);
+    summary.previousPreviousAverage_ =
+        ReadingsSummary::AverageReading(previous->systolic, previous->diastolic, previous->pulse);
   }
   if (current && previous) {
     summary.systolicChange_ = percentChange(current->systolic, previous->systolic);
@@ -93,7 +93,8 @@ ReadingsSummary ReadingsSummarizer::summarise(const ReadingList& readings, Date 
   return summary;
 }
 
-std::optional<float> ReadingsSummarizer::getAverage(Reading::ValueType valueType, const ReadingList& readings) {
+std::optional<float> ReadingsSummarizer::getAverage(Reading::ValueType valueType,
+                                                    const ReadingList& readings) {
   if (readings.empty()) return std::nullopt;
   SinglePrecisionSum sum;
   for (const auto& reading : readings) sum.add(reading->value(valueType));

@@ -1,10 +1,10 @@
-#include "cardiolith/analysis/blood_pressure_analysis.hpp"
-
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
 #include <ostream>
+
+#include "cardiolith/analysis/blood_pressure_analysis.hpp"
 
 namespace cardiolith {
 namespace {
@@ -16,12 +16,18 @@ constexpr std::int64_t int64Min = std::numeric_limits<std::int64_t>::min();
 
 const char* caseName(BloodPressureAnalysis analysis) {
   switch (analysis) {
-    case unreadable: return "unreadable";
-    case low: return "low";
-    case normal: return "normal";
-    case elevated: return "elevated";
-    case high: return "high";
-    case veryHigh: return "veryHigh";
+    case unreadable:
+      return "unreadable";
+    case low:
+      return "low";
+    case normal:
+      return "normal";
+    case elevated:
+      return "elevated";
+    case high:
+      return "high";
+    case veryHigh:
+      return "veryHigh";
   }
   return "?";
 }
@@ -84,7 +90,8 @@ TEST_P(BloodPressureAnalyzerTellingPairTest, GivesTheFirstMatchingRow) {
   EXPECT_EQ(caseName(BloodPressureAnalyzer::result(pair.systolic, pair.diastolic)), caseName(pair.expected));
 }
 
-INSTANTIATE_TEST_SUITE_P(DecisionTable, BloodPressureAnalyzerTellingPairTest, testing::ValuesIn(tellingPairs));
+INSTANTIATE_TEST_SUITE_P(DecisionTable, BloodPressureAnalyzerTellingPairTest,
+                         testing::ValuesIn(tellingPairs));
 
 // The classifier is usable in constant expressions and promises not to throw.
 static_assert(noexcept(BloodPressureAnalyzer::result(0, 0)));

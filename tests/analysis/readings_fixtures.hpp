@@ -14,8 +14,8 @@ namespace cardiolith::testing {
 // The instant of a UTC calendar date and time.
 inline Date utc(int year, unsigned month, unsigned day, int hour = 0, int minute = 0, int second = 0) {
   using namespace std::chrono;
-  const sys_seconds instant = sys_days{std::chrono::year{year} / month / day} + hours{hour} + minutes{minute} +
-                              seconds{second};
+  const sys_seconds instant =
+      sys_days{std::chrono::year{year} / month / day} + hours{hour} + minutes{minute} + seconds{second};
   return Date::fromTimeIntervalSince1970(static_cast<double>(instant.time_since_epoch().count()));
 }
 

@@ -1,5 +1,3 @@
-#include "cardiolith/analysis/readings_summary.hpp"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "analysis/readings_fixtures.hpp"
+#include "cardiolith/analysis/readings_summary.hpp"
 #include "support/scoped_time_zone.hpp"
 
 namespace cardiolith {
@@ -30,8 +29,8 @@ struct Means {
   float pulse;
 };
 
-void expectMeans(const std::optional<ReadingsSummary::AverageReading>& actual, const std::optional<Means>& expected,
-                 const char* which) {
+void expectMeans(const std::optional<ReadingsSummary::AverageReading>& actual,
+                 const std::optional<Means>& expected, const char* which) {
   SCOPED_TRACE(which);
   ASSERT_EQ(actual.has_value(), expected.has_value());
   if (!expected) return;
@@ -59,10 +58,10 @@ TEST_F(ReadingsSummarizerTest, WorkedWeek) {
   const Date start = utc(2025, 3, 1, 8);
   const Date end = utc(2025, 3, 8, 8);
   const ReadingList readings{
-      reading(utc(2025, 3, 8, 8), 135, 90, 75),       // at the end: current
-      reading(utc(2025, 2, 22, 8), 115, 78, 77),      // at the previous start: previous
-      reading(utc(2025, 3, 3, 12), 125, 80, 65),      // current
-      reading(utc(2025, 2, 25, 20), 125, 82, 77),     // previous
+      reading(utc(2025, 3, 8, 8), 135, 90, 75),          // at the end: current
+      reading(utc(2025, 2, 22, 8), 115, 78, 77),         // at the previous start: previous
+      reading(utc(2025, 3, 3, 12), 125, 80, 65),         // current
+      reading(utc(2025, 2, 25, 20), 125, 82, 77),        // previous
       reading(utc(2025, 3, 8, 8, 0, 1), 300, 200, 199),  // just after the end
       reading(utc(2025, 2, 22, 7, 59, 59), 1, 1, 1),     // just before the previous start
   };
@@ -171,7 +170,8 @@ TEST_F(ReadingsSummarizerTest, ZeroCurrentAverageGivesInfinityOrNaN) {
   const ReadingList readings{reading(start.addingTimeInterval(kDay), 120, 0, 0),
                              reading(start.addingTimeInterval(-kDay), 110, 0, 60)};
 
-  const ReadingsSummary summary = ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(7 * kDay));
+  const ReadingsSummary summary =
+      ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(7 * kDay));
 
   ASSERT_TRUE(summary.diastolicChange() && summary.pulseChange());
   EXPECT_TRUE(std::isnan(*summary.diastolicChange()));  // (0 - 0) / 0
@@ -187,12 +187,11 @@ struct CategoryCase {
 
 TEST_F(ReadingsSummarizerTest, CategoryOfTheCurrentMeansTruncatedTowardZero) {
   const CategoryCase cases[] = {
-      {{120, 121}, {80, 81}, normal},          // 120.5/80.5 -> 120/80
-      {{-1, 0}, {0, 0}, low},                  // -0.5 -> 0, not -1
-      {{kInt64Max}, {0}, veryHigh},            // 2^63 saturates
-      {{kInt64Max}, {85}, high},               // the diastolic row still comes first
-      {{100}, {kInt64Max}, veryHigh},
-      {{kInt64Max, kInt64Max}, {kInt64Max, kInt64Max}, veryHigh},
+      {{120, 121}, {80, 81}, normal},  // 120.5/80.5 -> 120/80
+      {{-1, 0}, {0, 0}, low},          // -0.5 -> 0, not -1
+      {{kInt64Max}, {0}, veryHigh},    // 2^63 saturates
+      {{kInt64Max}, {85}, high},       // the diastolic row still comes first
+      {{100}, {kInt64Max}, veryHigh}, {{kInt64Max, kInt64Max}, {kInt64Max, kInt64Max}, veryHigh},
   };
   const Date start = utc(2025, 3, 1, 8);
   for (const auto& c : cases) {
@@ -200,7 +199,8 @@ TEST_F(ReadingsSummarizerTest, CategoryOfTheCurrentMeansTruncatedTowardZero) {
     for (std::size_t i = 0; i < c.systolic.size(); ++i) {
       readings.push_back(reading(start.addingTimeInterval(kHour), c.systolic[i], c.diastolic[i], 70));
     }
-    const ReadingsSummary summary = ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
+    const ReadingsSummary summary =
+        ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
     EXPECT_EQ(summary.currentPeriodAverageAnalysis(), c.expected) << "first systolic " << c.systolic[0];
   }
 }
@@ -210,9 +210,11 @@ TEST_F(ReadingsSummarizerTest, AveragesAndCategoryOfFractionalMeans) {
   ReadingList readings;
   const Date start = utc(2025, 3, 1, 8);
   for (int i = 0; i < 10; ++i) {
-    readings.push_back(reading(start.addingTimeInterval(kHour), i == 0 ? 129 : 130, i == 0 ? 80 : 81, 60 + i));
+    readings.push_back(
+        reading(start.addingTimeInterval(kHour), i == 0 ? 129 : 130, i == 0 ? 80 : 81, 60 + i));
   }
-  const ReadingsSummary summary = ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
+  const ReadingsSummary summary =
+      ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
   ASSERT_TRUE(summary.currentPeriodAverage());
   EXPECT_EQ(summary.currentPeriodAverage()->systolic(), 129.9f);
   EXPECT_EQ(summary.currentPeriodAverage()->diastolic(), 80.9f);
@@ -243,13 +245,13 @@ double doublePrecisionMean(const std::vector<std::int64_t>& values) {
 
 TEST_F(ReadingsSummarizerTest, AveragesAccumulateInSinglePrecisionInArrayOrder) {
   // 2^24 + 1 + 1 rounds back to 2^24 when added in that order in float, but not in the other order.
-  EXPECT_EQ(ReadingsSummarizer::getAverage(Reading::ValueType::systolic,
-                                           {reading(Date(), 16777216, 0, 0), reading(Date(), 1, 0, 0),
-                                            reading(Date(), 1, 0, 0)}),
+  EXPECT_EQ(ReadingsSummarizer::getAverage(
+                Reading::ValueType::systolic,
+                {reading(Date(), 16777216, 0, 0), reading(Date(), 1, 0, 0), reading(Date(), 1, 0, 0)}),
             5592405.5f);
-  EXPECT_EQ(ReadingsSummarizer::getAverage(Reading::ValueType::systolic,
-                                           {reading(Date(), 1, 0, 0), reading(Date(), 1, 0, 0),
-                                            reading(Date(), 16777216, 0, 0)}),
+  EXPECT_EQ(ReadingsSummarizer::getAverage(
+                Reading::ValueType::systolic,
+                {reading(Date(), 1, 0, 0), reading(Date(), 1, 0, 0), reading(Date(), 16777216, 0, 0)}),
             5592406.0f);
 
   // Large sums, where single and double precision part ways, through both operations.
@@ -260,10 +262,11 @@ TEST_F(ReadingsSummarizerTest, AveragesAccumulateInSinglePrecisionInArrayOrder) 
     systolic.push_back(1'000'003 + (i * 7919) % 1000);
     diastolic.push_back(70'000'001 + (i * 104729) % 100'000);
     pulse.push_back(-3'000'017 - (i * 31) % 977);
-    readings.push_back(reading(start.addingTimeInterval(static_cast<double>(i)), systolic.back(), diastolic.back(),
-                               pulse.back()));
+    readings.push_back(reading(start.addingTimeInterval(static_cast<double>(i)), systolic.back(),
+                               diastolic.back(), pulse.back()));
   }
-  const Means expected{singlePrecisionMean(systolic), singlePrecisionMean(diastolic), singlePrecisionMean(pulse)};
+  const Means expected{singlePrecisionMean(systolic), singlePrecisionMean(diastolic),
+                       singlePrecisionMean(pulse)};
   ASSERT_NE(expected.systolic, static_cast<float>(doublePrecisionMean(systolic)));
   ASSERT_NE(expected.diastolic, static_cast<float>(doublePrecisionMean(diastolic)));
   ASSERT_NE(expected.pulse, static_cast<float>(doublePrecisionMean(pulse)));
@@ -271,7 +274,8 @@ TEST_F(ReadingsSummarizerTest, AveragesAccumulateInSinglePrecisionInArrayOrder) 
   EXPECT_EQ(ReadingsSummarizer::getAverage(Reading::ValueType::systolic, readings), expected.systolic);
   EXPECT_EQ(ReadingsSummarizer::getAverage(Reading::ValueType::diastolic, readings), expected.diastolic);
   EXPECT_EQ(ReadingsSummarizer::getAverage(Reading::ValueType::pulse, readings), expected.pulse);
-  const ReadingsSummary summary = ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
+  const ReadingsSummary summary =
+      ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
   expectMeans(summary.currentPeriodAverage(), expected, "current");
 }
 
@@ -290,7 +294,8 @@ TEST_F(ReadingsSummarizerTest, ChangesAreComputedStepByStepInSinglePrecision) {
     ASSERT_NE(expected[i], static_cast<float>((60.0 - static_cast<double>(previous[i])) / 60.0 * 100.0));
   }
 
-  const ReadingsSummary summary = ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
+  const ReadingsSummary summary =
+      ReadingsSummarizer::summarise(readings, start, start.addingTimeInterval(kDay));
 
   EXPECT_EQ(summary.systolicChange(), expected[0]);
   EXPECT_EQ(summary.diastolicChange(), expected[1]);

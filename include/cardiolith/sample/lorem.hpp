@@ -8,8 +8,13 @@
 namespace cardiolith {
 
 // Filler text of pseudo-Latin words drawn uniformly from a fixed list of 249 entries, with the system
-// random source. A negative count, an empty half-open range or a range with a negative lower bound throws
-// std::invalid_argument saying what was wrong.
+// random source. The range forms draw the count uniformly from the range first.
+//
+// A negative count, an empty half-open range, a closed range whose upper bound is below its lower bound,
+// or a range with a negative lower bound (the closed range of every int64 included) throws
+// std::invalid_argument saying what was wrong, whatever the draw would have given. A count too large for
+// the text to fit in a std::string even with the shortest pieces throws std::length_error before anything
+// is built.
 struct Lorem {
   static std::string word();
   static std::string words(std::int64_t count);

@@ -1,0 +1,102 @@
+#include <cardiolith/platform/date.hpp>
+#include <cardiolith/platform/text.hpp>
+#include <cardiolith/platform/uuid.hpp>
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "commands.hpp"
+#include "data_folder.hpp"
+#include "date_input.hpp"
+#include "pressure_input.hpp"
+#include "reading_text.hpp"
+#include "tag_list.hpp"
+#include "tool_error.hpp"
+
+namespace cardiolith::tool {
+namespace {
+
+struct AddOptions {
+  std::string values;
+  std::optional<std::int64_t> pulse;
+  std::optional<std::string> at;
+  std::optional<std::string> note;
+  std::vector<std::string> tags;
+  bool force = false;
+};
+
+// A reading dated this far ahead of the clock is a typing slip, not a clock difference.
+constexpr double futureTolerance = 5 * 60;
+
+std::int64_t chosenPulse(const PressureInput& input, const AddOptions& options) {
+  if (input.pulse && options.pulse && *input.pulse != *options.pulse) {
+    throw ToolError("the pulse is given twice, as " + std::to_string(*input.pulse) + " and --pulse " +
+                    std::to_string(*options.pulse) + "; give it once");
+  }
+  if (input.pulse) return *input.pulse;
+  if (options.pulse) return *options.pulse;
+  throw ToolError("the pulse is missing; give it with --pulse (the monitor shows it beside the pressures), e.g. "
+                  "cardiolith add " + options.values + " --pulse 71");
+}
+
+void refuseImplausible(const PressureInput& input, std::int64_t pulse, Date date, Date now) {
+  auto problems = implausibilities(input.systolic, input.diastolic, pulse);
+  if (date > now.addingTimeInterval(futureTolerance)) {
+    problems.push_back("the date " + displayDateFormatter().string(date) + " is in the future");
+  }
+  if (problems.empty()) return;
+  throw ToolError("not added: " + joined(problems, "; ") +
+                  ".\nCheck the reading, or add --force to keep it exactly as typed.");
+}
+
+void runAdd(const AddOptions& options, const GlobalOptions& global) {
+  const auto input = parsePressure(options.values, true);
+  const std::int64_t pulse = chosenPulse(input, options);
+  const Date now = Date::now();
+  const Date date = options.at ? parseDateTime(*options.at, "--at") : now;
+  if (!options.force) refuseImplausible(input, pulse, date, now);
+  if (options.note && !text::isValidUTF8(*options.note)) throw ToolError("--note: the text is not valid UTF-8");
+
+  const DataFolder folder(global);
+  std::optional<TagList> tagList;
+  std::optional<std::set<UUID>> tagIDs;
+  if (!options.tags.empty()) {
+    tagList.emplace(folder);
+    tagIDs.emplace();
+    for (const auto& title : options.tags) tagIDs->insert(tagList->find(title).id);
+  }
+
+  ReadingsLog log(folder, ReadingsLog::Access::change);
+  const bool newLog = !std::filesystem::exists(log.file());
+  auto reading = std::make_shared<Reading>(UUID::random().uuidString(), date, input.systolic, input.diastolic,
+                                           pulse, options.note, std::nullopt, tagIDs);
+  log.readings().push_back(reading);
+  log.save();
+
+  std::cout << "Added " << displayDateFormatter().string(date) << "  " << describeValues(*reading) << '\n';
+  if (tagList) std::cout << "  Tags: " << joined(tagList->titles(reading->tagIDs()), ", ") << '\n';
+  if (reading->notes()) std::cout << "  Note: " << singleLine(*reading->notes()) << '\n';
+  if (newLog) std::cout << "Started a new log in " << log.file().string() << '\n';
+}
+
+}  // namespace
+
+void addAddCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<AddOptions>();
+  auto* command = app.add_subcommand("add", "Add a reading to the log");
+  command->add_option("reading", options->values, "Systolic/diastolic in mmHg (128/82), or with the pulse (128/82/71)")
+      ->required();
+  command->add_option("--pulse,-p", options->pulse, "Pulse in beats per minute");
+  command->add_option("--at", options->at, "When it was taken: \"YYYY-MM-DD HH:MM\" or YYYY-MM-DD, local time (default: now)");
+  command->add_option("--note,-n", options->note, "A note to keep with the reading");
+  command->add_option("--tag,-t", options->tags, "A tag title; repeat for several (see: cardiolith tags)");
+  command->add_flag("--force", options->force, "Keep values outside the usual human range, or a future date");
+  command->callback([options, &global] { runAdd(*options, global); });
+}
+
+}  // namespace cardiolith::tool

@@ -1,0 +1,115 @@
+#include <cardiolith/analysis/blood_pressure_analysis.hpp>
+#include <cardiolith/analysis/readings_summary.hpp>
+#include <cardiolith/model/collection.hpp>
+#include <cardiolith/platform/date.hpp>
+#include <cardiolith/platform/date_formatter.hpp>
+
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "category_text.hpp"
+#include "commands.hpp"
+#include "data_folder.hpp"
+#include "svg_chart.hpp"
+#include "tool_error.hpp"
+
+namespace cardiolith::tool {
+namespace {
+
+struct ChartOptions {
+  std::int64_t days = 30;
+  std::string out;
+};
+
+// The local midnight that starts the day of `date`.
+Date startOfLocalDay(Date date) {
+  const auto seconds = static_cast<std::time_t>(std::floor(date.timeIntervalSince1970()));
+  std::tm parts{};
+  localtime_r(&seconds, &parts);
+  parts.tm_hour = parts.tm_min = parts.tm_sec = 0;
+  parts.tm_isdst = -1;
+  return Date::fromTimeIntervalSince1970(static_cast<double>(std::mktime(&parts)));
+}
+
+// Day marks at local midnights, spaced so that about ten fit under the chart.
+std::vector<TimeTick> dayTicks(Date start, Date end, std::int64_t days) {
+  static constexpr std::int64_t spacings[] = {1, 2, 3, 7, 14, 28, 56, 91, 182, 364};
+  std::int64_t spacing = spacings[std::size(spacings) - 1];
+  for (const auto candidate : spacings) {
+    if (days / candidate <= 10) {
+      spacing = candidate;
+      break;
+    }
+  }
+  const DateFormatter label(spacing >= 28 ? "MMM yyyy" : "d MMM");
+  std::vector<TimeTick> ticks;
+  Date tick = startOfLocalDay(start);
+  if (tick < start) tick = tick.addingDays(1);
+  while (tick <= end) {
+    ticks.push_back({tick, label.string(tick)});
+    const Date next = tick.addingDays(spacing);
+    if (!(next > tick)) break;  // the calendar can't step further
+    tick = next;
+  }
+  return ticks;
+}
+
+std::string subtitle(const ReadingList& readings, Date start, Date end) {
+  const DateFormatter day("d MMM yyyy");
+  std::string text = day.string(start) + " \u2013 " + day.string(end) + " \u00b7 " + std::to_string(readings.size()) +
+                     (readings.size() == 1 ? " reading" : " readings");
+  const auto systolic = ReadingsSummarizer::getAverage(Reading::ValueType::systolic, readings);
+  const auto diastolic = ReadingsSummarizer::getAverage(Reading::ValueType::diastolic, readings);
+  if (systolic && diastolic) {
+    char average[64];
+    std::snprintf(average, sizeof average, "%.1f/%.1f", static_cast<double>(*systolic), static_cast<double>(*diastolic));
+    // Classified like a summary's average: each pressure truncated toward zero.
+    const auto category =
+        BloodPressureAnalyzer::result(static_cast<std::int64_t>(*systolic), static_cast<std::int64_t>(*diastolic));
+    text += " \u00b7 average " + std::string(average) + " mmHg, " + std::string(categoryName(category));
+  }
+  return text;
+}
+
+void runChart(const ChartOptions& options, const GlobalOptions& global) {
+  const DataFolder folder(global);
+  ReadingsLog log(folder, ReadingsLog::Access::read);
+  const Date end = Date::now();
+  const Date start = end.addingDays(-options.days);
+  const auto selection = filtered(log.readings(), start, end);
+  if (selection.empty()) {
+    throw ToolError("no readings in the last " + std::to_string(options.days) +
+                    " days, so there is nothing to chart; try a longer period with --days");
+  }
+
+  ChartRequest request;
+  request.title = "Blood pressure, last " + std::to_string(options.days) + (options.days == 1 ? " day" : " days");
+  request.subtitle = subtitle(selection, start, end);
+  request.start = start;
+  request.end = end;
+  request.ticks = dayTicks(start, end, options.days);
+  for (const auto& reading : selection) request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
+
+  std::ofstream file(options.out, std::ios::binary | std::ios::trunc);
+  file << renderChart(request);
+  file.close();
+  if (!file) throw ToolError("couldn't write the chart to " + options.out);
+  std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
+}
+
+}  // namespace
+
+void addChartCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<ChartOptions>();
+  auto* command = app.add_subcommand("chart", "Draw systolic and diastolic pressure over time as an SVG picture");
+  command->add_option("--days", options->days, "The last N days (default 30)")->check(CLI::Range(1, 100000));
+  command->add_option("--out,-o", options->out, "The SVG file to write, e.g. pressure.svg")->required();
+  command->callback([options, &global] { runChart(*options, global); });
+}
+
+}  // namespace cardiolith::tool

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "global_options.hpp"
+
+namespace cardiolith::tool {
+
+// Each adds one subcommand, with its options and the callback that runs it, to the application. The
+// callbacks throw ToolError for failures the user can act on.
+void addAddCommand(CLI::App& app, const GlobalOptions& global);
+void addListCommand(CLI::App& app, const GlobalOptions& global);
+void addSummaryCommand(CLI::App& app, const GlobalOptions& global);
+void addClassifyCommand(CLI::App& app);
+void addExportCommand(CLI::App& app, const GlobalOptions& global);
+void addTagsCommand(CLI::App& app, const GlobalOptions& global);
+void addSampleCommand(CLI::App& app, const GlobalOptions& global);
+void addChartCommand(CLI::App& app, const GlobalOptions& global);
+
+}  // namespace cardiolith::tool

@@ -1,0 +1,77 @@
+#include "pressure_input.hpp"
+
+#include <charconv>
+
+#include "tool_error.hpp"
+
+namespace cardiolith::tool {
+namespace {
+
+std::optional<std::int64_t> wholeNumber(std::string_view text) {
+  if (text.empty() || text.front() < '0' || text.front() > '9') return std::nullopt;
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::vector<std::string_view> splitAtSlashes(std::string_view text) {
+  std::vector<std::string_view> parts;
+  for (std::size_t start = 0;;) {
+    const auto slash = text.find('/', start);
+    parts.push_back(text.substr(start, slash == std::string_view::npos ? std::string_view::npos : slash - start));
+    if (slash == std::string_view::npos) return parts;
+    start = slash + 1;
+  }
+}
+
+struct PlausibleRange {
+  const char* name;
+  const char* unit;
+  std::int64_t lowest;
+  std::int64_t highest;
+};
+
+constexpr PlausibleRange systolicRange{"systolic pressure", "mmHg", 40, 300};
+constexpr PlausibleRange diastolicRange{"diastolic pressure", "mmHg", 20, 200};
+constexpr PlausibleRange pulseRange{"pulse", "beats per minute", 20, 250};
+
+void checkRange(const PlausibleRange& range, std::int64_t value, std::vector<std::string>& problems) {
+  if (value >= range.lowest && value <= range.highest) return;
+  problems.push_back("the " + std::string(range.name) + " " + std::to_string(value) + " is outside " +
+                     std::to_string(range.lowest) + "-" + std::to_string(range.highest) + " " + range.unit);
+}
+
+}  // namespace
+
+PressureInput parsePressure(std::string_view text, bool allowPulse) {
+  const auto parts = splitAtSlashes(text);
+  std::vector<std::int64_t> numbers;
+  for (const auto part : parts) {
+    if (const auto number = wholeNumber(part)) numbers.push_back(*number);
+  }
+  const bool wellFormed = numbers.size() == parts.size() && (parts.size() == 2 || (allowPulse && parts.size() == 3));
+  if (!wellFormed) {
+    throw ToolError("\"" + std::string(text) + "\" is not a blood-pressure " + (allowPulse ? "reading" : "pair") +
+                    "; write systolic/diastolic in mmHg, " +
+                    (allowPulse ? "e.g. 128/82, or 128/82/71 with the pulse" : "e.g. 128/82"));
+  }
+  PressureInput input{numbers[0], numbers[1], std::nullopt};
+  if (numbers.size() == 3) input.pulse = numbers[2];
+  return input;
+}
+
+std::vector<std::string> implausibilities(std::int64_t systolic, std::int64_t diastolic, std::int64_t pulse) {
+  std::vector<std::string> problems;
+  checkRange(systolicRange, systolic, problems);
+  checkRange(diastolicRange, diastolic, problems);
+  checkRange(pulseRange, pulse, problems);
+  if (diastolic >= systolic) {
+    problems.push_back("the diastolic pressure " + std::to_string(diastolic) +
+                       " is not below the systolic pressure " + std::to_string(systolic) +
+                       " (were they swapped?)");
+  }
+  return problems;
+}
+
+}  // namespace cardiolith::tool

@@ -1,0 +1,44 @@
+#include "reading_text.hpp"
+
+#include <cardiolith/analysis/blood_pressure_analysis.hpp>
+
+#include "category_text.hpp"
+
+namespace cardiolith::tool {
+
+// The POSIX locale keeps the digits and the calendar fixed, so what the tool shows is what --at accepts.
+const DateFormatter& displayDateFormatter() {
+  static const DateFormatter formatter("yyyy-MM-dd HH:mm", "en_US_POSIX");
+  return formatter;
+}
+
+const DateFormatter& isoDateFormatter() {
+  static const DateFormatter formatter("yyyy-MM-dd'T'HH:mm:ssXXX", "en_US_POSIX");
+  return formatter;
+}
+
+std::string singleLine(std::string_view text) {
+  std::string line;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;  // CRLF is one break
+    line += text[i] == '\n' || text[i] == '\r' ? ' ' : text[i];
+  }
+  return line;
+}
+
+std::string joined(const std::vector<std::string>& items, std::string_view separator) {
+  std::string text;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (i > 0) text += separator;
+    text += items[i];
+  }
+  return text;
+}
+
+std::string describeValues(const Reading& reading) {
+  return std::to_string(reading.systolic()) + "/" + std::to_string(reading.diastolic()) + " mmHg, pulse " +
+         std::to_string(reading.pulse()) + ": " +
+         std::string(categoryName(BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic())));
+}
+
+}  // namespace cardiolith::tool

@@ -1,0 +1,134 @@
+#include <cardiolith/platform/text.hpp>
+#include <cardiolith/platform/uuid.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "commands.hpp"
+#include "data_folder.hpp"
+#include "folder_lock.hpp"
+#include "tag_list.hpp"
+#include "text_table.hpp"
+#include "tool_error.hpp"
+
+namespace cardiolith::tool {
+namespace {
+
+struct TagsOptions {
+  std::string title;
+  std::string newTitle;
+  std::string color = "8e8e93";
+};
+
+// Six hex digits, with or without a leading "#", kept in lower case without the mark like the default tags.
+std::string checkedColor(std::string color) {
+  if (!color.empty() && color.front() == '#') color.erase(0, 1);
+  const bool hex = color.size() == 6 &&
+                   std::all_of(color.begin(), color.end(), [](unsigned char c) { return std::isxdigit(c) != 0; });
+  if (!hex) throw ToolError("--color: \"" + color + "\" is not a colour; write six hex digits, e.g. 34c759");
+  std::transform(color.begin(), color.end(), color.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return color;
+}
+
+std::string checkedTitle(const std::string& title) {
+  if (title.find_first_not_of(" \t") == std::string::npos) throw ToolError("a tag needs a title that isn't blank");
+  if (!text::isValidUTF8(title)) throw ToolError("the tag title is not valid UTF-8");
+  return title;
+}
+
+void refuseTakenTitle(const TagList& tags, const std::string& title, const UUID* renamed = nullptr) {
+  const auto existing = tags.lookUp(title);
+  if (existing && (renamed == nullptr || existing->id != *renamed)) {
+    throw ToolError("there is already a tag \"" + existing->title + "\"");
+  }
+}
+
+void listTags(const GlobalOptions& global) {
+  const DataFolder folder(global);
+  const TagList tags(folder);
+  auto list = tags.manager().tags();
+  std::stable_sort(list.begin(), list.end(),
+                   [](const Tag& a, const Tag& b) { return text::canonicalCompare(a.title, b.title) < 0; });
+  TextTable table({{"Tag"}, {"Colour"}});
+  for (const auto& tag : list) table.addRow({tag.title, "#" + tag.colorHex});
+  table.print(std::cout);
+}
+
+// Runs one change of the tag list under the folder lock and waits until it is written.
+template <class Change>
+void changeTags(const GlobalOptions& global, Change change) {
+  const DataFolder folder(global);
+  const FolderLock lock(folder.lockFile(), FolderLock::Mode::exclusive);
+  TagList tags(folder);
+  tags.requireReadable();
+  change(tags);
+  tags.finishSaving();
+}
+
+void addTag(const TagsOptions& options, const GlobalOptions& global) {
+  const std::string title = checkedTitle(options.title);
+  const std::string color = checkedColor(options.color);
+  changeTags(global, [&](TagList& tags) {
+    refuseTakenTitle(tags, title);
+    tags.manager().insert(Tag{UUID::random(), title, color});
+  });
+  std::cout << "Added tag \"" << title << "\" (#" << color << ")\n";
+}
+
+void renameTag(const TagsOptions& options, const GlobalOptions& global) {
+  const std::string newTitle = checkedTitle(options.newTitle);
+  std::string oldTitle;
+  changeTags(global, [&](TagList& tags) {
+    const Tag tag = tags.find(options.title);
+    refuseTakenTitle(tags, newTitle, &tag.id);
+    oldTitle = tag.title;
+    // The id stays, so every reading that carries the tag shows the new title.
+    tags.manager().update(Tag{tag.id, newTitle, tag.colorHex});
+  });
+  std::cout << "Renamed tag \"" << oldTitle << "\" to \"" << newTitle << "\"\n";
+}
+
+void deleteTag(const TagsOptions& options, const GlobalOptions& global) {
+  std::string title;
+  changeTags(global, [&](TagList& tags) {
+    const Tag tag = tags.find(options.title);
+    title = tag.title;
+    tags.manager().deleteTag(tag);
+  });
+  std::cout << "Deleted tag \"" << title << "\"; readings that carried it keep their values\n";
+}
+
+}  // namespace
+
+void addTagsCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<TagsOptions>();
+  auto* tags = app.add_subcommand("tags", "List, add, rename or delete the tags that readings can carry");
+  tags->require_subcommand(0, 1);
+
+  auto* list = tags->add_subcommand("list", "List the tags (the default)");
+  list->callback([&global] { listTags(global); });
+
+  auto* add = tags->add_subcommand("add", "Add a tag");
+  add->add_option("title", options->title, "The new tag's title")->required();
+  add->add_option("--color,--colour", options->color, "Six hex digits, e.g. 34c759 (default: grey)");
+  add->callback([options, &global] { addTag(*options, global); });
+
+  auto* rename = tags->add_subcommand("rename", "Rename a tag; readings keep it");
+  rename->add_option("title", options->title, "The tag's title now")->required();
+  rename->add_option("new-title", options->newTitle, "Its new title")->required();
+  rename->callback([options, &global] { renameTag(*options, global); });
+
+  auto* remove = tags->add_subcommand("delete", "Delete a tag; readings that carried it keep their values");
+  remove->add_option("title", options->title, "The tag's title")->required();
+  remove->callback([options, &global] { deleteTag(*options, global); });
+
+  tags->callback([tags, &global] {
+    if (tags->get_subcommands().empty()) listTags(global);
+  });
+}
+
+}  // namespace cardiolith::tool

@@ -13,7 +13,8 @@ std::size_t combineHash(std::size_t seed, std::size_t value) noexcept {
 }  // namespace
 
 bool operator==(const Tag& a, const Tag& b) {
-  return a.id == b.id && text::canonicallyEqual(a.title, b.title) && text::canonicallyEqual(a.colorHex, b.colorHex);
+  return a.id == b.id && text::canonicallyEqual(a.title, b.title) &&
+         text::canonicallyEqual(a.colorHex, b.colorHex);
 }
 
 }  // namespace cardiolith

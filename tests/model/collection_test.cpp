@@ -24,8 +24,8 @@ std::vector<double> datesOf(const ReadingList& readings) {
 }
 
 TEST(CollectionTest, FilteredKeepsBothBoundsAndInputOrder) {
-  const ReadingList readings = {readingAt(30), readingAt(9.999), readingAt(10), readingAt(20),
-                                readingAt(20.001), readingAt(15)};
+  const ReadingList readings = {readingAt(30), readingAt(9.999),  readingAt(10),
+                                readingAt(20), readingAt(20.001), readingAt(15)};
   const auto result = filtered(readings, Date(10), Date(20));
   EXPECT_THAT(datesOf(result), ElementsAre(10, 20, 15));
   EXPECT_EQ(result[0], readings[2]) << "the result shares the readings, it does not copy them";
@@ -45,7 +45,8 @@ TEST(CollectionTest, FilteredKeepsDatesUnorderedWithTheBounds) {
 }
 
 TEST(CollectionTest, GetAllValuesProjectsEveryReadingInOrder) {
-  const ReadingList readings = {readingAt(1, 120, 80, 60), readingAt(2, 130, 85, 72), readingAt(3, 120, 80, 60)};
+  const ReadingList readings = {readingAt(1, 120, 80, 60), readingAt(2, 130, 85, 72),
+                                readingAt(3, 120, 80, 60)};
   EXPECT_THAT(getAllValues(readings, Reading::ValueType::diastolic), ElementsAre(80, 85, 80));
   EXPECT_THAT(getAllValues(readings, Reading::ValueType::systolic), ElementsAre(120, 130, 120));
   EXPECT_THAT(getAllValues(readings, Reading::ValueType::pulse), ElementsAre(60, 72, 60));

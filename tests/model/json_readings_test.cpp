@@ -1,0 +1,222 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "cardiolith/model/json.hpp"
+
+namespace cardiolith {
+namespace {
+
+const UUID kTagA = *UUID::parse("0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F");
+const UUID kTagB = *UUID::parse("F0E1D2C3-B4A5-4968-8778-695A4B3C2D1E");
+const Reading::HealthKitID kHealthKitID{*UUID::parse("AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE"),
+                                        *UUID::parse("12345678-9ABC-4DEF-8123-456789ABCDEF")};
+
+std::shared_ptr<Reading> decodedReading(std::string id, double date, std::optional<std::string> notes,
+                                        std::optional<std::set<UUID>> tagIDs,
+                                        std::optional<Reading::HealthKitID> healthKitID) {
+  return Reading::decoded(std::move(id), Date(date), 121, 79, 66, std::move(notes), std::move(tagIDs),
+                          healthKitID);
+}
+
+void expectSameReadings(const ReadingList& actual, const ReadingList& expected) {
+  ASSERT_EQ(actual.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_TRUE(*actual[i] == *expected[i]) << "reading " << i;
+    EXPECT_EQ(actual[i]->notes(), expected[i]->notes()) << "reading " << i << ": notes byte for byte";
+    EXPECT_EQ(actual[i]->tagIDs(), expected[i]->tagIDs()) << "reading " << i;
+  }
+}
+
+TEST(ReadingsJsonTest, WritesMembersInOrderAndLeavesAbsentOnesOut) {
+  const Readings readings{{decodedReading("bare", 1.5, std::nullopt, std::nullopt, std::nullopt),
+                           decodedReading("full", -2, "", std::set<UUID>{kTagB, kTagA}, kHealthKitID)}};
+  EXPECT_EQ(json::encode(readings),
+            R"({"readings":[)"
+            R"({"id":"bare","date":1.5,"systolic":121,"diastolic":79,"pulse":66},)"
+            R"({"id":"full","date":-2,"systolic":121,"diastolic":79,"pulse":66,"notes":"",)"
+            R"("tagIDs":["0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F","F0E1D2C3-B4A5-4968-8778-695A4B3C2D1E"],)"
+            R"("healthKitID":{"bloodPressureUUID":"AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE",)"
+            R"("heartRateUUID":"12345678-9ABC-4DEF-8123-456789ABCDEF"}}]})");
+  EXPECT_EQ(json::encode(Readings{}), R"({"readings":[]})");
+  EXPECT_TRUE(json::decode<Readings>(R"({"readings":[]})").readings.empty());
+}
+
+TEST(ReadingsJsonTest, RoundTripsEveryCombinationOfOptionalMembers) {
+  const std::optional<std::string> notesCases[] = {std::nullopt, "", "took it twice"};
+  const std::optional<std::set<UUID>> tagCases[] = {std::nullopt, std::set<UUID>{},
+                                                    std::set<UUID>{kTagA, kTagB}};
+  const std::optional<Reading::HealthKitID> healthKitCases[] = {std::nullopt, kHealthKitID};
+  Readings readings;
+  for (const auto& notes : notesCases) {
+    for (const auto& tagIDs : tagCases) {
+      for (const auto& healthKitID : healthKitCases) {
+        const double date = 7e8 + static_cast<double>(readings.readings.size()) / 3;
+        readings.readings.push_back(
+            decodedReading("R" + std::to_string(readings.readings.size()), date, notes, tagIDs, healthKitID));
+      }
+    }
+  }
+  const std::string text = json::encode(readings);
+  expectSameReadings(json::decode<Readings>(text).readings, readings.readings);
+  EXPECT_EQ(json::encode(json::decode<Readings>(text)), text);
+}
+
+TEST(ReadingsJsonTest, DatesAndIntegersRoundTripExactly) {
+  const double dates[] = {0.1,  1.0 / 3,  -1e-300,          5e-324, 1e21, std::numeric_limits<double>::max(),
+                          -0.0, 7.0001e8, -978307200.000001};
+  Readings readings;
+  for (const double date : dates) readings.readings.push_back(decodedReading("d", date, {}, {}, {}));
+  readings.readings.push_back(Reading::decoded("i", Date(0), std::numeric_limits<std::int64_t>::min(),
+                                               std::numeric_limits<std::int64_t>::max(), -1, {}, {}, {}));
+  const auto decoded = json::decode<Readings>(json::encode(readings)).readings;
+  expectSameReadings(decoded, readings.readings);
+}
+
+TEST(ReadingsJsonTest, ReadsTheFormsOtherWritersProduce) {
+  const auto readings = json::decode<Readings>(R"( {
+    "extra": {"nested": [1, -2.5e-3, true, false, null, "x", {"deep": []}]},
+    "readings": [
+      {"pulse": 60, "diastolic": 70, "systolic": 110, "date": 600000000, "id": "a", "notes": null,
+       "tagIDs": null, "healthKitID": null, "unknown": [{}]},
+      {"id": "b", "date": 6.5E8, "systolic": -0, "diastolic": 0, "pulse": 0, "\u0074agIDs":
+       ["0c2d8f3e-7b1a-4e5c-9d60-1a2b3c4d5e6f", "0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F", "f0e1d2c3-b4a5-4968-8778-695a4b3c2d1e"],
+       "healthKitID": {"heartRateUUID": "12345678-9abc-4def-8123-456789abcdef", "x": 1,
+                       "bloodPressureUUID": "aaaaaaaa-bbbb-4ccc-8ddd-eeeeeeeeeeee"},
+       "Notes": "keys are case-sensitive", "notes": "dropped", "notes": "the last one wins"}
+    ]
+  } )")
+                            .readings;
+  ASSERT_EQ(readings.size(), 2u);
+  EXPECT_TRUE(*readings[0] == *Reading::decoded("a", Date(6e8), 110, 70, 60, {}, {}, {}));
+  EXPECT_FALSE(readings[0]->tagIDs().has_value());
+  EXPECT_EQ(readings[1]->date(), Date(6.5e8));
+  EXPECT_EQ(readings[1]->tagIDs(), (std::set<UUID>{kTagA, kTagB}));
+  EXPECT_EQ(readings[1]->healthKitID(), kHealthKitID);
+  EXPECT_EQ(readings[1]->notes(), "the last one wins");
+}
+
+struct Failure {
+  std::string input;
+  std::string message;
+};
+
+void PrintTo(const Failure& failure, std::ostream* os) { *os << failure.input; }
+
+class ReadingsJsonFailureTest : public ::testing::TestWithParam<Failure> {};
+
+TEST_P(ReadingsJsonFailureTest, FailsWithAMessageNamingTheFault) {
+  try {
+    json::decode<Readings>(GetParam().input);
+    ADD_FAILURE() << "decoded without error";
+  } catch (const DecodingError& error) {
+    EXPECT_EQ(std::string(error.what()), GetParam().message);
+  }
+}
+
+// A good reading object with the given text spliced in after its last member.
+std::string reading(std::string_view extra = "") {
+  return R"({"id":"r","date":1,"systolic":120,"diastolic":80,"pulse":70)" + std::string(extra) + "}";
+}
+std::string document(std::string_view readings) { return R"({"readings":[)" + std::string(readings) + "]}"; }
+
+INSTANTIATE_TEST_SUITE_P(
+    Members, ReadingsJsonFailureTest,
+    ::testing::Values(
+        Failure{document(reading() + "," + R"({"id":"b","date":1,"systolic":1,"diastolic":1})"),
+                "readings[1].pulse: missing"},
+        Failure{document(R"({"date":1,"systolic":1,"diastolic":1,"pulse":1})"), "readings[0].id: missing"},
+        Failure{document(reading(R"(,"pulse":1.5)")), "readings[0].pulse: 1.5 is not an integer"},
+        Failure{document(reading(R"(,"systolic":120.0)")), "readings[0].systolic: 120.0 is not an integer"},
+        Failure{document(reading(R"(,"diastolic":8e1)")), "readings[0].diastolic: 8e1 is not an integer"},
+        Failure{document(reading(R"(,"pulse":9223372036854775808)")),
+                "readings[0].pulse: 9223372036854775808 is out of the signed 64-bit range"},
+        Failure{document(reading(R"(,"pulse":-9223372036854775809)")),
+                "readings[0].pulse: -9223372036854775809 is out of the signed 64-bit range"},
+        Failure{document(reading(R"(,"pulse":null)")), "readings[0].pulse: expected an integer, found null"},
+        Failure{document(reading(R"(,"pulse":"70")")),
+                "readings[0].pulse: expected an integer, found a string"},
+        Failure{document(reading(R"(,"date":"2024-01-01")")),
+                "readings[0].date: expected a number, found a string"},
+        Failure{document(reading(R"(,"date":1e400)")),
+                "readings[0].date: 1e400 is out of the range of a double"},
+        Failure{document(reading(R"(,"id":null)")), "readings[0].id: expected a string, found null"},
+        Failure{document(reading(R"(,"id":7)")), "readings[0].id: expected a string, found a number"},
+        Failure{document(reading(R"(,"notes":["x"])")),
+                "readings[0].notes: expected a string, found an array"},
+        Failure{document(reading(R"(,"tagIDs":"0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F")")),
+                "readings[0].tagIDs: expected an array, found a string"},
+        Failure{
+            document(reading(
+                R"(,"tagIDs":["0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F","F0E1D2C3-B4A5-4968-8778-695A4B3C2D1E","xyz"])")),
+            R"(readings[0].tagIDs[2]: "xyz" is not a UUID)"},
+        Failure{document(reading(R"(,"tagIDs":[{}])")),
+                "readings[0].tagIDs[0]: expected a UUID string, found an object"},
+        Failure{document(reading(R"(,"tagIDs":["{0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F}"])")),
+                R"(readings[0].tagIDs[0]: "{0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F}" is not a UUID)"},
+        Failure{
+            document(reading(R"(,"tagIDs":["0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F-and-a-very-long-tail"])")),
+            R"(readings[0].tagIDs[0]: "0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F-an... is not a UUID)"},
+        Failure{document(reading(
+                    R"(,"healthKitID":{"bloodPressureUUID":"AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE"})")),
+                "readings[0].healthKitID.heartRateUUID: missing"},
+        Failure{document(reading(R"(,"healthKitID":{"bloodPressureUUID":"1234","heartRateUUID":null})")),
+                R"(readings[0].healthKitID.bloodPressureUUID: "1234" is not a UUID)"},
+        Failure{document(reading(R"(,"healthKitID":[])")),
+                "readings[0].healthKitID: expected an object, found an array"},
+        Failure{document("3"), "readings[0]: expected an object, found a number"},
+        Failure{R"({"readings":null})", "readings: expected an array, found null"},
+        Failure{R"({"Readings":[]})", "readings: missing"},
+        Failure{R"([])", "document: expected an object, found an array"},
+        Failure{R"("readings")", "document: expected an object, found a string"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Syntax, ReadingsJsonFailureTest,
+    ::testing::Values(
+        Failure{"", "invalid JSON at byte 0: no JSON value"},
+        Failure{" \n", "invalid JSON at byte 2: no JSON value"},
+        Failure{R"({"readings" []})",
+                "invalid JSON at byte 12: The JSON document has an improper structure: missing or "
+                "superfluous commas, braces, missing keys, etc."},
+        Failure{
+            R"({"readings":[]} x)",
+            "invalid JSON at byte 16: the document must end with the '}' that closes its top-level object"},
+        Failure{
+            R"({"readings":[])",
+            "invalid JSON at byte 13: the document must end with the '}' that closes its top-level object"},
+        Failure{R"({"readings":[]}})",
+                "invalid JSON at byte 15: unexpected content after the top-level value"},
+        Failure{R"({"readings":[]}{})",
+                "invalid JSON at byte 15: unexpected content after the top-level value"},
+        Failure{document(reading() + ","),
+                "invalid JSON at byte 74: The JSON document has an improper structure: missing or "
+                "superfluous commas, braces, missing keys, etc."},
+        Failure{document(reading(R"(,"notes":"caf)"
+                                 "\xC3"
+                                 R"(")")),
+                "invalid JSON at byte 85: invalid UTF-8"},
+        Failure{document(reading(",\"notes\":\"line\nbreak\"")),
+                "invalid JSON at byte 86: control character in a string (it must be escaped)"},
+        Failure{R"({"readings":[], "x":"never closed})", "invalid JSON at byte 20: string is never closed"},
+        Failure{document(reading(R"(,"notes":"\q")")),
+                "invalid JSON at byte 81: Problem while parsing a string"},
+        Failure{document(reading(R"(,"notes":"\ud800")")),
+                "invalid JSON at byte 81: Problem while parsing a string"},
+        Failure{document(reading(R"(,"pulse":07)")),
+                "invalid JSON at byte 81: Problem while parsing a number"},
+        Failure{document(reading(R"(,"pulse":-)")),
+                "invalid JSON at byte 81: Problem while parsing a number"},
+        Failure{document(reading(R"(,"extra":tru)")),
+                "invalid JSON at byte 81: malformed literal (true, false or null)"},
+        Failure{document(reading(R"(,"extra":[1.])")),
+                "invalid JSON at byte 82: Problem while parsing a number"},
+        Failure{document(reading(R"(,"extra":{"\x":1})")),
+                "invalid JSON at byte 82: Problem while parsing a string"},
+        Failure{document(reading(R"(,"id":nul)")),
+                "invalid JSON at byte 78: malformed literal (true, false or null)"},
+        Failure{document(reading(R"(,"extra":)" + std::string(2000, '[') + std::string(2000, ']'))),
+                "invalid JSON at byte 1100: nested more than 1023 levels deep"}));
+
+}  // namespace
+}  // namespace cardiolith

@@ -5,14 +5,24 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <string>
 #include <system_error>
 #include <utility>
+
+#include "platform/random.hpp"
+#include "platform/write_faults.hpp"
 
 namespace cardiolith::detail {
 namespace {
 
 [[noreturn]] void throwFileError(const char* what, const std::filesystem::path& path, int error) {
   throw std::filesystem::filesystem_error(what, path, std::error_code(error, std::generic_category()));
+}
+
+[[noreturn]] void throwFileError(const char* what, const std::filesystem::path& path,
+                                 const std::filesystem::path& other, int error) {
+  throw std::filesystem::filesystem_error(what, path, other, std::error_code(error, std::generic_category()));
 }
 
 // Closes a descriptor on every path out of a function.
@@ -30,6 +40,61 @@ class FileDescriptor {
 
  private:
   int fd_;
+};
+
+// Writes every byte, through the seam that lets tests fill the disk.
+void writeAll(int fd, std::string_view bytes, const std::filesystem::path& path) {
+  while (!bytes.empty()) {
+    const ssize_t written = write_faults::writeSome(fd, bytes.data(), bytes.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      throwFileError("cannot write file", path, errno);
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+// Flushes the file's content to disk, then closes it; a failure of either is a failed write.
+void closeFlushed(FileDescriptor& file, const std::filesystem::path& path) {
+  if (::fsync(file.get()) != 0) throwFileError("cannot flush file to disk", path, errno);
+  if (file.release() != 0) throwFileError("cannot write file", path, errno);
+}
+
+// Makes the folder's entries (a new or renamed file) durable. File systems that can't sync a folder
+// (EINVAL) have nothing to flush.
+void flushFolder(const std::filesystem::path& folder) {
+  FileDescriptor handle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (handle.get() < 0) throwFileError("cannot open folder to flush it", folder, errno);
+  if (::fsync(handle.get()) != 0 && errno != EINVAL)
+    throwFileError("cannot flush folder to disk", folder, errno);
+}
+
+std::filesystem::path folderOf(const std::filesystem::path& path) {
+  auto folder = path.parent_path();
+  return folder.empty() ? std::filesystem::path(".") : folder;
+}
+
+// ".<name>.tmp-<16 random hex digits>": hidden, beside the file, unique among concurrent writers.
+std::string temporaryName(const std::filesystem::path& path) {
+  char suffix[17];
+  std::snprintf(suffix, sizeof suffix, "%016llx", static_cast<unsigned long long>(random::next64()));
+  return "." + path.filename().string() + ".tmp-" + suffix;
+}
+
+// Removes a file on every path out of a function, unless told to keep it.
+class RemoveUnlessKept {
+ public:
+  explicit RemoveUnlessKept(std::filesystem::path path) : path_(std::move(path)) {}
+  ~RemoveUnlessKept() {
+    if (!kept_) ::unlink(path_.c_str());
+  }
+  RemoveUnlessKept(const RemoveUnlessKept&) = delete;
+  RemoveUnlessKept& operator=(const RemoveUnlessKept&) = delete;
+  void keep() { kept_ = true; }
+
+ private:
+  std::filesystem::path path_;
+  bool kept_ = false;
 };
 
 }  // namespace
@@ -61,15 +126,52 @@ std::string readWholeFile(const std::filesystem::path& path) {
 void writeWholeFile(const std::filesystem::path& path, std::string_view bytes) {
   FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
   if (file.get() < 0) throwFileError("cannot open file for writing", path, errno);
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      throwFileError("cannot write file", path, errno);
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
+  writeAll(file.get(), bytes, path);
   if (file.release() != 0) throwFileError("cannot write file", path, errno);
+}
+
+void replaceWholeFileDurably(const std::filesystem::path& path, std::string_view bytes) {
+  const auto folder = folderOf(path);
+  const auto temporary = folder / temporaryName(path);
+  FileDescriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+  if (file.get() < 0) throwFileError("cannot create temporary file", path, temporary, errno);
+  RemoveUnlessKept cleanup(temporary);
+
+  // The new file takes the old one's permissions; should that fail, it keeps the default ones, which is
+  // no reason to lose the save.
+  struct stat previous {};
+  if (::stat(path.c_str(), &previous) == 0 && S_ISREG(previous.st_mode)) {
+    static_cast<void>(::fchmod(file.get(), previous.st_mode & 07777));
+  }
+  writeAll(file.get(), bytes, path);
+  closeFlushed(file, path);
+  if (::rename(temporary.c_str(), path.c_str()) != 0)
+    throwFileError("cannot replace file", path, temporary, errno);
+  cleanup.keep();
+  flushFolder(folder);
+}
+
+void createFileDurably(const std::filesystem::path& path, std::string_view bytes) {
+  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+  if (file.get() < 0) throwFileError("cannot create file", path, errno);
+  RemoveUnlessKept cleanup(path);
+  writeAll(file.get(), bytes, path);
+  closeFlushed(file, path);
+  cleanup.keep();
+  flushFolder(folderOf(path));
+}
+
+void moveWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to) {
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return;
+  if (errno != EINVAL && errno != ENOSYS) throwFileError("cannot move file", from, to, errno);
+  // The file system can't rename without replacing. A hard link fails when the new name is taken; once it
+  // exists, the old name can go.
+  if (::link(from.c_str(), to.c_str()) != 0) throwFileError("cannot move file", from, to, errno);
+  if (::unlink(from.c_str()) != 0) {
+    const int error = errno;
+    ::unlink(to.c_str());
+    throwFileError("cannot move file", from, to, error);
+  }
 }
 
 }  // namespace cardiolith::detail

@@ -43,8 +43,12 @@ template <class... Args>
 class Publisher {
  public:
   using Callback = std::function<void(const Args&...)>;
+  // Called by subscribe() with the new subscriber's callback once it is registered, on the subscribing
+  // thread: a publisher of a current value hands it to the new subscriber there.
+  using Greeter = std::function<void(const Callback&)>;
 
   Publisher() = default;
+  explicit Publisher(Greeter greeter) : greeter_(std::move(greeter)) {}
   Publisher(const Publisher&) = delete;
   Publisher& operator=(const Publisher&) = delete;
 
@@ -54,14 +58,16 @@ class Publisher {
     {
       std::lock_guard lock(state_->mutex);
       id = state_->nextID++;
-      state_->subscribers.emplace(id, std::move(shared));
+      state_->subscribers.emplace(id, shared);
     }
-    return Subscription([weak = std::weak_ptr<State>(state_), id] {
+    Subscription subscription([weak = std::weak_ptr<State>(state_), id] {
       if (auto state = weak.lock()) {
         std::lock_guard lock(state->mutex);
         state->subscribers.erase(id);
       }
     });
+    if (greeter_) greeter_(*shared);  // should it throw, `subscription` unregisters the callback
+    return subscription;
   }
 
   // Calls every current subscriber with the values.
@@ -88,6 +94,7 @@ class Publisher {
     std::map<std::uint64_t, std::shared_ptr<const Callback>> subscribers;
   };
   std::shared_ptr<State> state_ = std::make_shared<State>();
+  Greeter greeter_;
 };
 
 // An object whose observers hear of a change before it happens. The publisher is made on first use,

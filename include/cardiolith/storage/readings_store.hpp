@@ -30,7 +30,8 @@ class ReadingsStore {
   // std::filesystem::filesystem_error) instead of an empty document; a missing file is an empty document.
   // For writers that must not replace a document they could not read.
   std::future<Readings> loadExisting();
-  // Replaces the file's whole content. EncodingError (the file untouched) or filesystem_error.
+  // Replaces the file's whole content. EncodingError (the file untouched) or filesystem_error. The
+  // readings are encoded on the store's executor: don't change their healthKitID until the future is ready.
   std::future<void> save(Readings readings);
 
   // The file that load() reads and save() writes.

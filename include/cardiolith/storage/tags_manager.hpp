@@ -19,7 +19,10 @@ namespace cardiolith {
 //
 // Threads: every member may be called from any thread. The list and the index are guarded by the manager;
 // change notifications fire on the thread that makes the change (the loaded list's on a background
-// thread), outside the manager's lock, so a subscriber may call back into the manager.
+// thread), outside the lock that guards the list, so a subscriber may call back into the manager, change
+// the list included. Changes are made one at a time, and observers hear of them in that order. The two
+// wait functions must not be called from a notification callback (from the initial load's they throw
+// std::logic_error rather than wait for themselves).
 //
 // Ordering of saves: saves go to the store one after another in the order of the changes, and each writes
 // the list as it is when it runs, so the list written last is always the newest list.
@@ -36,9 +39,11 @@ class TagsManager : public ObservableObject {
   explicit TagsManager(StorageLocations locations, StorageOptions options = {});
   ~TagsManager() override;
 
-  // The current list; empty until the initial load has been applied.
+  // The current list. Until the initial load has been applied it holds only the changes made meanwhile
+  // (usually nothing).
   std::vector<Tag> tags() const;
-  // The list after each change; a new subscriber receives the current list inside subscribe().
+  // The list after each change (each step of insert and update separately, also a step that changes
+  // nothing); a new subscriber receives the current list inside subscribe().
   Publisher<std::vector<Tag>>& tagsPublisher();
 
   // The last tag in list order with this id.

@@ -1,0 +1,228 @@
+#include "cardiolith/storage/tags_manager.hpp"
+
+#include <algorithm>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <stdexcept>
+#include <unordered_map>
+#include <utility>
+
+#include "cardiolith/platform/analytics_backend.hpp"
+#include "cardiolith/platform/list_formatter.hpp"
+#include "cardiolith/platform/logger.hpp"
+#include "cardiolith/platform/text.hpp"
+#include "platform/serial_queue.hpp"
+#include "storage/tags_store.hpp"
+
+namespace cardiolith {
+namespace {
+
+bool titleBefore(const Tag& a, const Tag& b) { return text::canonicalCompare(a.title, b.title) < 0; }
+bool titleAfter(const Tag& a, const Tag& b) { return text::canonicalCompare(a.title, b.title) > 0; }
+
+enum class Operation { insert, update, remove };
+
+// One call of insert, update or deleteTag, kept so that it can be replayed on the loaded list.
+struct Change {
+  Operation operation;
+  Tag tag;
+};
+
+// One step of a change; observers hear of each step separately.
+using Step = std::function<void(std::vector<Tag>&)>;
+
+std::vector<Step> stepsOf(const Change& change) {
+  const Tag& tag = change.tag;
+  const Step removeSameID = [id = tag.id](std::vector<Tag>& tags) {
+    std::erase_if(tags, [&](const Tag& other) { return other.id == id; });
+  };
+  const Step append = [tag](std::vector<Tag>& tags) { tags.push_back(tag); };
+  switch (change.operation) {
+    case Operation::insert:
+      return {[tag](std::vector<Tag>& tags) {
+                std::erase_if(tags, [&](const Tag& other) {
+                  return other.id == tag.id || text::canonicallyEqual(other.title, tag.title);
+                });
+              },
+              append,
+              [](std::vector<Tag>& tags) { std::stable_sort(tags.begin(), tags.end(), titleBefore); }};
+    case Operation::update:
+      return {removeSameID, append,
+              [](std::vector<Tag>& tags) { std::stable_sort(tags.begin(), tags.end(), titleAfter); }};
+    case Operation::remove:
+      return {removeSameID};
+  }
+  return {};
+}
+
+}  // namespace
+
+struct TagsManager::Impl {
+  Impl(TagsManager& owner, const StorageLocations& locations, StorageOptions options)
+      : owner(owner), store(locations, options) {
+    work.async([this] { applyLoaded(store.load().get()); });
+  }
+
+  void change(const Change& change) {
+    std::lock_guard serial(changeMutex);
+    for (const auto& step : stepsOf(change)) {
+      owner.sendObjectWillChange();
+      std::vector<Tag> published;
+      {
+        std::lock_guard lock(stateMutex);
+        step(tags);
+        rebuildIndex();
+        published = tags;
+      }
+      publisher.send(published);
+    }
+    {
+      std::lock_guard lock(stateMutex);
+      if (!loaded) changesBeforeLoad.push_back(change);
+    }
+    work.async([this] { save(); });
+  }
+
+  // Runs on `work`: the loaded list, with the changes made while it loaded replayed on it, becomes the list.
+  void applyLoaded(std::vector<Tag> loadedTags) {
+    {
+      std::lock_guard serial(changeMutex);
+      owner.sendObjectWillChange();
+      std::vector<Tag> published;
+      {
+        std::lock_guard lock(stateMutex);
+        for (const auto& change : changesBeforeLoad) {
+          for (const auto& step : stepsOf(change)) step(loadedTags);
+        }
+        changesBeforeLoad.clear();
+        tags = std::move(loadedTags);
+        rebuildIndex();
+        loaded = true;
+        published = tags;
+      }
+      publisher.send(published);
+    }
+    {
+      std::lock_guard lock(stateMutex);
+      loadPublished = true;
+    }
+    loadPublishedCondition.notify_all();
+  }
+
+  // Runs on `work`, after every earlier save: writes the list as it is now, the newest one.
+  void save() {
+    std::vector<Tag> snapshot;
+    {
+      std::lock_guard lock(stateMutex);
+      snapshot = tags;
+    }
+    try {
+      store.save(std::move(snapshot)).get();
+    } catch (const std::exception& error) {
+      Logger::standard().error("Failed to save tags " + localizedDescription(error));
+    }
+  }
+
+  // Hands a new, already registered subscriber the current list. Under changeMutex, so that a change made
+  // meanwhile reaches it after this list, never before: its last list is always the current one.
+  void greet(const Publisher<std::vector<Tag>>::Callback& subscriber) {
+    std::lock_guard serial(changeMutex);
+    std::vector<Tag> current;
+    {
+      std::lock_guard lock(stateMutex);
+      current = tags;
+    }
+    subscriber(current);
+  }
+
+  // Each id mapped to the last tag in list order with that id. Called with stateMutex held.
+  void rebuildIndex() {
+    index.clear();
+    for (const auto& tag : tags) index.insert_or_assign(tag.id, tag);
+  }
+
+  void refuseToWaitOnOwnThread(const char* function) const {
+    if (work.isCurrent()) {
+      throw std::logic_error(std::string("TagsManager::") + function +
+                             " called from a notification of the initial load; it would wait for itself");
+    }
+  }
+
+  TagsManager& owner;
+  detail::TagsStore store;
+  ListFormatter formatter{};
+  Publisher<std::vector<Tag>> publisher{[this](const auto& subscriber) { greet(subscriber); }};
+
+  // Serialises the changes and their notifications, so observers hear of changes in the order they were
+  // made. Recursive: an observer may make a change from its callback.
+  std::recursive_mutex changeMutex;
+  // Guards the fields below; never held while observers are called.
+  mutable std::mutex stateMutex;
+  std::vector<Tag> tags;
+  std::unordered_map<UUID, Tag> index;
+  bool loaded = false;
+  std::vector<Change> changesBeforeLoad;
+  bool loadPublished = false;
+  mutable std::condition_variable loadPublishedCondition;
+
+  // The initial load, then every save, one after another. Last: destroyed first, after running them all.
+  mutable detail::SerialQueue work{"tags-manager"};
+};
+
+TagsManager::TagsManager() : TagsManager(StorageLocations::current()) {}
+
+TagsManager::TagsManager(StorageLocations locations, StorageOptions options)
+    : impl_(std::make_shared<Impl>(*this, locations, options)) {}
+
+TagsManager::~TagsManager() = default;
+
+std::vector<Tag> TagsManager::tags() const {
+  std::lock_guard lock(impl_->stateMutex);
+  return impl_->tags;
+}
+
+Publisher<std::vector<Tag>>& TagsManager::tagsPublisher() { return impl_->publisher; }
+
+std::optional<Tag> TagsManager::tag(const UUID& id) const {
+  std::lock_guard lock(impl_->stateMutex);
+  const auto found = impl_->index.find(id);
+  if (found == impl_->index.end()) return std::nullopt;
+  return found->second;
+}
+
+std::vector<Tag> TagsManager::tags(const std::set<UUID>& ids) const {
+  std::vector<Tag> found;
+  {
+    std::lock_guard lock(impl_->stateMutex);
+    for (const auto& id : ids) {
+      if (const auto entry = impl_->index.find(id); entry != impl_->index.end())
+        found.push_back(entry->second);
+    }
+  }
+  std::stable_sort(found.begin(), found.end(), titleBefore);
+  return found;
+}
+
+std::optional<std::string> TagsManager::formattedListString(const std::set<UUID>& ids) const {
+  std::vector<std::string> titles;
+  for (auto& tag : tags(ids)) titles.push_back(std::move(tag.title));
+  return impl_->formatter.string(titles);
+}
+
+void TagsManager::insert(const Tag& tag) { impl_->change({Operation::insert, tag}); }
+void TagsManager::update(const Tag& tag) { impl_->change({Operation::update, tag}); }
+void TagsManager::deleteTag(const Tag& tag) { impl_->change({Operation::remove, tag}); }
+
+void TagsManager::waitUntilLoaded() const {
+  impl_->refuseToWaitOnOwnThread("waitUntilLoaded()");
+  std::unique_lock lock(impl_->stateMutex);
+  impl_->loadPublishedCondition.wait(lock, [this] { return impl_->loadPublished; });
+}
+
+void TagsManager::waitForPendingSaves() const {
+  impl_->refuseToWaitOnOwnThread("waitForPendingSaves()");
+  impl_->work.submit([] {}).get();
+}
+
+}  // namespace cardiolith

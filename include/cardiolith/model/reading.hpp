@@ -81,8 +81,9 @@ class Reading : public ObservableObject {
   std::vector<std::string> inArrayFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
                                          const TagsManager& tagManager, bool includeTags,
                                          bool includeNotes) const;
-  // The cells of inArrayFormat, each with every occurrence of `separator` replaced by one space, joined by
-  // `separator`. No quoting.
+  // The cells of inArrayFormat, each with every occurrence of `separator` replaced by one space (one
+  // left-to-right pass, matches not overlapping), joined by `separator`. No quoting. An empty separator
+  // matches nothing, so the cells are kept unchanged and run together.
   std::string inLineFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
                            const TagsManager& tagManager, std::string_view separator, bool includeTags,
                            bool includeNotes) const;

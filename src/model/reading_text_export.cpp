@@ -1,0 +1,69 @@
+// A reading as one table row or one separated line, for export and sharing.
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cardiolith/model/reading.hpp"
+#include "cardiolith/platform/date_formatter.hpp"
+#include "cardiolith/platform/list_formatter.hpp"
+#include "cardiolith/storage/tags_manager.hpp"
+
+namespace cardiolith {
+namespace {
+
+// Every occurrence of `target` replaced by `replacement` in one left-to-right pass; matches don't
+// overlap and replaced text is not searched again. An empty target matches nothing, so the text comes
+// back unchanged.
+std::string replacingOccurrences(std::string_view text, std::string_view target,
+                                 std::string_view replacement) {
+  if (target.empty()) return std::string(text);
+  std::string result;
+  result.reserve(text.size());
+  std::size_t position = 0;
+  for (std::size_t match = text.find(target); match != std::string_view::npos;
+       match = text.find(target, position)) {
+    result.append(text.substr(position, match - position)).append(replacement);
+    position = match + target.size();
+  }
+  result.append(text.substr(position));
+  return result;
+}
+
+}  // namespace
+
+std::vector<std::string> Reading::inArrayFormat(const DateFormatter& dateFormatter,
+                                                const ListFormatter& listFormatter,
+                                                const TagsManager& tagManager, bool includeTags,
+                                                bool includeNotes) const {
+  std::vector<std::string> cells;
+  cells.reserve(6);
+  cells.push_back(dateFormatter.string(date_));
+  cells.push_back(std::to_string(systolic_));
+  cells.push_back(std::to_string(diastolic_));
+  cells.push_back(std::to_string(pulse_));
+  if (includeTags && tagIDs_) {
+    // The formatter is asked even when no tag is known; only its nothing leaves the cell out.
+    std::vector<std::string> titles;
+    for (auto& tag : tagManager.tags(*tagIDs_)) titles.push_back(std::move(tag.title));
+    if (auto list = listFormatter.string(titles)) cells.push_back(std::move(*list));
+  }
+  if (includeNotes && notes_) cells.push_back(*notes_);
+  return cells;
+}
+
+std::string Reading::inLineFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
+                                  const TagsManager& tagManager, std::string_view separator, bool includeTags,
+                                  bool includeNotes) const {
+  std::string line;
+  bool first = true;
+  for (const auto& cell :
+       inArrayFormat(dateFormatter, listFormatter, tagManager, includeTags, includeNotes)) {
+    if (!first) line.append(separator);
+    first = false;
+    // A separator inside a cell would split it; it becomes a space instead.
+    line.append(replacingOccurrences(cell, separator, " "));
+  }
+  return line;
+}
+
+}  // namespace cardiolith

@@ -1,9 +1,7 @@
 #include "date_input.hpp"
 
 #include <charconv>
-#include <cmath>
 #include <ctime>
-#include <limits>
 #include <optional>
 #include <string>
 
@@ -94,9 +92,9 @@ Date parseDateTime(std::string_view text, std::string_view option) {
 Date parseRangeEnd(std::string_view text, std::string_view option) {
   const auto fields = parseFields(text, option);
   if (fields.hasTime) return localInstant(fields, 0, text, option);
-  // The instant just before the next day's midnight: an inclusive bound that keeps the whole day.
-  const Date nextDay = localInstant(fields, 1, text, option);
-  return Date(std::nextafter(nextDay.timeIntervalSinceReferenceDate(), -std::numeric_limits<double>::infinity()));
+  // The last millisecond before the next day's midnight: an inclusive bound that keeps the whole day and
+  // still shows as that day (a bound closer to midnight would print as the next day).
+  return localInstant(fields, 1, text, option).addingTimeInterval(-0.001);
 }
 
 std::int64_t parseSpanDays(std::string_view text, std::string_view option) {

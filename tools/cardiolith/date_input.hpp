@@ -13,7 +13,7 @@ namespace cardiolith::tool {
 
 // The instant named: the minute given, or the start of the day.
 Date parseDateTime(std::string_view text, std::string_view option);
-// The last instant that the text covers: the minute given, or the last instant of the day, so that an
+// The last instant that the text covers: the minute given, or the last millisecond of the day, so that an
 // inclusive range ending there takes the whole day.
 Date parseRangeEnd(std::string_view text, std::string_view option);
 

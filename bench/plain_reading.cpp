@@ -6,32 +6,36 @@
 namespace cardiolith::bench {
 namespace {
 
-constexpr std::array<std::size_t, 4> kHyphenPositions{8, 13, 18, 23};
+// The value of each byte as a hex digit, or -1.
+constexpr std::array<std::int8_t, 256> kHexValues = [] {
+  std::array<std::int8_t, 256> values{};
+  values.fill(-1);
+  for (int digit = 0; digit < 10; ++digit) values['0' + digit] = static_cast<std::int8_t>(digit);
+  for (int digit = 0; digit < 6; ++digit) {
+    values['A' + digit] = static_cast<std::int8_t>(10 + digit);
+    values['a' + digit] = static_cast<std::int8_t>(10 + digit);
+  }
+  return values;
+}();
 
-constexpr int hexValue(char c) noexcept {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
+// Where the two hex digits of each byte start in the text.
+constexpr std::array<std::uint8_t, 16> kByteOffsets{0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34};
 
 }  // namespace
 
 std::optional<UuidBytes> parseUuid(std::string_view text) noexcept {
-  if (text.size() != 36) return std::nullopt;
-  for (std::size_t position : kHyphenPositions) {
-    if (text[position] != '-') return std::nullopt;
+  if (text.size() != 36 || text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-') {
+    return std::nullopt;
   }
   UuidBytes bytes{};
-  std::size_t byte = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (i == 8 || i == 13 || i == 18 || i == 23) continue;
-    const int high = hexValue(text[i]);
-    const int low = hexValue(text[i + 1]);
-    if (high < 0 || low < 0) return std::nullopt;
-    bytes[byte++] = static_cast<std::uint8_t>(high << 4 | low);
-    ++i;
+  int invalid = 0;  // any digit's -1 sets the sign bit
+  for (std::size_t byte = 0; byte < bytes.size(); ++byte) {
+    const int high = kHexValues[static_cast<unsigned char>(text[kByteOffsets[byte]])];
+    const int low = kHexValues[static_cast<unsigned char>(text[kByteOffsets[byte] + 1])];
+    invalid |= high | low;
+    bytes[byte] = static_cast<std::uint8_t>(high << 4 | low);
   }
+  if (invalid < 0) return std::nullopt;
   return bytes;
 }
 

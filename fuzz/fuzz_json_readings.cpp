@@ -1,0 +1,5 @@
+#include "fuzz_one_input.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return cardiolith::fuzzing::fuzzOneInput<cardiolith::Readings>(data, size);
+}

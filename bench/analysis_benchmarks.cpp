@@ -83,6 +83,27 @@ void FilteredAll(benchmark::State& state) {
 }
 BENCHMARK(FilteredAll)->Apply(atEveryDocumentSize);
 
+// The floor for anything that looks at every reading: one read-only pass over the date and the three values
+// of each, through its shared reference, as the summary's averaging does.
+void WalkReadings(benchmark::State& state) {
+  const std::size_t size = documentSize(state);
+  const ReadingList& readings = libraryReadings(size).readings;
+  const Period period = wholeLog(readings);
+  for (auto _ : state) {
+    std::int64_t sum = 0;
+    std::size_t kept = 0;
+    for (const auto& reading : readings) {
+      if (reading->date() < period.start || period.end < reading->date()) continue;
+      sum += reading->systolic() + reading->diastolic() + reading->pulse();
+      ++kept;
+    }
+    benchmark::DoNotOptimize(sum);
+    benchmark::DoNotOptimize(kept);
+  }
+  reportThroughput(state, size);
+}
+BENCHMARK(WalkReadings)->Apply(atEveryDocumentSize);
+
 // Every pair of a thousand readings classified, one call per pair.
 void ClassifyPairs(benchmark::State& state) {
   const ReadingList& readings = libraryReadings(1'000).readings;

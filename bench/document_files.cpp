@@ -16,8 +16,8 @@
 namespace cardiolith::bench {
 namespace {
 
-[[noreturn]] void failWithErrno(const std::filesystem::path& path) {
-  throw std::filesystem::filesystem_error("cannot read", path, std::error_code(errno, std::generic_category()));
+[[noreturn]] void failWithErrno(const char* what, const std::filesystem::path& path) {
+  throw std::filesystem::filesystem_error(what, path, std::error_code(errno, std::generic_category()));
 }
 
 class Descriptor {
@@ -55,20 +55,32 @@ const std::filesystem::path& documentFolder(std::size_t readingCount) {
 
 std::string readFileBytes(const std::filesystem::path& path) {
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.get() < 0) failWithErrno(path);
+  if (file.get() < 0) failWithErrno("cannot read", path);
   struct stat status {};
-  if (::fstat(file.get(), &status) != 0) failWithErrno(path);
+  if (::fstat(file.get(), &status) != 0) failWithErrno("cannot read", path);
   std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
   std::size_t done = 0;
   while (done < bytes.size()) {
     const ssize_t count = ::read(file.get(), bytes.data() + done, bytes.size() - done);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) failWithErrno(path);
+    if (count < 0) failWithErrno("cannot read", path);
     if (count == 0) break;
     done += static_cast<std::size_t>(count);
   }
   bytes.resize(done);
   return bytes;
+}
+
+void writeFileBytes(const std::filesystem::path& path, std::string_view bytes) {
+  const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  if (file.get() < 0) failWithErrno("cannot write", path);
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t count = ::write(file.get(), bytes.data() + done, bytes.size() - done);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) failWithErrno("cannot write", path);
+    done += static_cast<std::size_t>(count);
+  }
 }
 
 }  // namespace cardiolith::bench

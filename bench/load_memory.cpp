@@ -4,9 +4,11 @@
 //   cardiolith_bench_load_memory load <folder>               loads it through ReadingsStore::load
 //   cardiolith_bench_load_memory load-reference <folder>     reads and decodes it with the simdjson reference
 //
-// The load modes print one JSON object: readings, file_bytes, rss_before_kb (resident before loading) and
-// peak_rss_kb (the process's peak, from getrusage), with every reading still held.
+// The load modes print one JSON object: readings, file_bytes, rss_before_kb (resident before loading),
+// peak_rss_kb (the process's peak, from getrusage) and retained_heap_kb (the heap still in use once the
+// load is over, which is the loaded readings: the text and the parser are gone by then).
 
+#include <malloc.h>
 #include <sys/resource.h>
 
 #include <cstdio>
@@ -31,6 +33,11 @@ long peakResidentKilobytes() {
   return usage.ru_maxrss;
 }
 
+long heapInUseKilobytes() {
+  const struct mallinfo2 info = mallinfo2();
+  return static_cast<long>((info.uordblks + info.hblkhd) / 1024);
+}
+
 int write(std::size_t count, const std::filesystem::path& folder) {
   std::filesystem::create_directories(folder);
   const std::string text = cardiolith::bench::writeDocument(cardiolith::bench::generateReadings(count));
@@ -43,10 +50,14 @@ template <class Load>
 int measure(const std::filesystem::path& folder, Load load) {
   const auto fileBytes = std::filesystem::file_size(folder / "readings");
   const long before = peakResidentKilobytes();
+  const long heapBefore = heapInUseKilobytes();
   const std::size_t readings = load();
   const long peak = peakResidentKilobytes();
-  std::printf("{\"readings\": %zu, \"file_bytes\": %ju, \"rss_before_kb\": %ld, \"peak_rss_kb\": %ld}\n", readings,
-              static_cast<std::uintmax_t>(fileBytes), before, peak);
+  const long retained = heapInUseKilobytes() - heapBefore;
+  std::printf(
+      "{\"readings\": %zu, \"file_bytes\": %ju, \"rss_before_kb\": %ld, \"peak_rss_kb\": %ld, "
+      "\"retained_heap_kb\": %ld}\n",
+      readings, static_cast<std::uintmax_t>(fileBytes), before, peak, retained);
   return readings > 0 ? 0 : 1;
 }
 

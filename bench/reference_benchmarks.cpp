@@ -1,6 +1,6 @@
-// Reference points on the same documents as the library benchmarks: the floors (reading the file's
-// bytes, a strict simdjson reader, a bare std::to_chars writer) and nlohmann/json, the common
-// general-purpose choice.
+// Reference points on the same documents as the library benchmarks: the floors (reading and writing the
+// file's bytes, timed like the store, a strict simdjson reader, a bare std::to_chars writer) and
+// nlohmann/json, the common general-purpose choice.
 
 #include <benchmark/benchmark.h>
 
@@ -9,6 +9,7 @@
 #include "document_files.hpp"
 #include "nlohmann_codec.hpp"
 #include "simdjson_reader.hpp"
+#include "temporary_folder.hpp"
 
 namespace cardiolith::bench {
 namespace {
@@ -23,7 +24,17 @@ void ReadFileBytes(benchmark::State& state) {
   }
   reportThroughput(state, size, bytes);
 }
-BENCHMARK(ReadFileBytes)->Apply(atEveryDocumentSize);
+BENCHMARK(ReadFileBytes)->Apply(atEveryDocumentSize)->MeasureProcessCPUTime();
+
+void WriteFileBytes(benchmark::State& state) {
+  const std::size_t size = documentSize(state);
+  const std::string& text = corpus(size).text;
+  const TemporaryFolder folder;
+  const auto path = folder.path() / "readings";
+  for (auto _ : state) writeFileBytes(path, text);
+  reportThroughput(state, size, text.size());
+}
+BENCHMARK(WriteFileBytes)->Apply(atEveryDocumentSize)->MeasureProcessCPUTime();
 
 void SimdjsonDecode(benchmark::State& state) {
   const std::size_t size = documentSize(state);

@@ -12,6 +12,7 @@ RATIO_SIZES = (100_000, 1_000_000)
 
 NAMES = {
     "ReadFileBytes": "reading the file's bytes (floor)",
+    "WriteFileBytes": "writing the file's bytes (floor)",
     "SimdjsonDecode": "simdjson on-demand strict reader (floor)",
     "NlohmannDecode": "nlohmann/json reader",
     "LibraryDecode": "`json::decode<Readings>`",
@@ -20,6 +21,7 @@ NAMES = {
     "LibraryEncode": "`json::encode`",
     "StoreSave": "`ReadingsStore::save`",
     "StoreLoad": "`ReadingsStore::load`",
+    "WalkReadings": "one pass over every reading (floor)",
     "SummariseWeek": "`summarise`, last 7 days",
     "SummariseAll": "`summarise`, whole log",
     "FilteredAll": "`filtered`, whole log",
@@ -30,6 +32,9 @@ NAMES = {
 ORDER = list(NAMES)
 LIBRARY = ["LibraryDecode", "LibraryEncode", "StoreSave", "StoreLoad", "SummariseWeek", "SummariseAll",
            "FilteredAll", "InLineFormat"]
+# How the floors themselves grow from 10,000 to 1,000,000 readings: what the machine's memory system
+# costs any code at that size, shown next to the library's growth.
+FLOORS = ["ReadFileBytes", "WriteFileBytes", "SimdjsonDecode", "BareEncode", "WalkReadings"]
 
 
 def load_results(path):
@@ -125,14 +130,25 @@ def ratio_rows(runs, memory, memory_reference):
                               quotient(time("LibraryEncode", size), time("BareEncode", size)), 1.3, True))
         rows.append(ratio_row("encode speed-up over nlohmann/json", size,
                               quotient(time("NlohmannEncode", size), time("LibraryEncode", size)), 8, False))
+        for family, floor in (("StoreLoad", ("ReadFileBytes", "SimdjsonDecode")),
+                              ("StoreSave", ("BareEncode", "WriteFileBytes"))):
+            floors = [time(name, size) for name in floor]
+            value = quotient(time(family, size), sum(floors) if None not in floors else None)
+            rows.append([f"{NAMES[family]} time vs its floors ({' + '.join(NAMES[name] for name in floor)})",
+                         count(size), "", "", "", f"{value:.2f}×" if value is not None else "n/a", "", ""])
     for family in LIBRARY:
         rows.append(ratio_row(f"time/reading at 1,000,000 vs 10,000: {NAMES[family]}", None,
                               quotient(time(family, 1_000_000), time(family, 10_000)), 1.5, True))
+    for family in FLOORS:
+        value = quotient(time(family, 1_000_000), time(family, 10_000))
+        rows.append([f"time/reading at 1,000,000 vs 10,000: {NAMES[family]}", "", "", "", "",
+                     f"{value:.2f}×" if value is not None else "n/a", "", ""])
     if memory:
         peak = memory["peak_rss_kb"] * 1024
         rows.append(ratio_row("peak memory of one `ReadingsStore::load` vs file size", memory["readings"],
                               peak / memory["file_bytes"], 3, True))
         detail = f"peak {peak / 2**20:,.0f} MiB, file {memory['file_bytes'] / 2**20:,.0f} MiB, " \
+                 f"loaded readings {memory['retained_heap_kb'] / 1024:,.0f} MiB, " \
                  f"before loading {memory['rss_before_kb'] / 1024:,.0f} MiB"
         rows[-1][2] = detail
     if memory_reference:

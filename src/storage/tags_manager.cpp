@@ -117,8 +117,11 @@ struct TagsManager::Impl {
       std::lock_guard lock(stateMutex);
       snapshot = tags;
     }
+    // A shared future keeps the error it carries until after the handler has read it (future::get()
+    // would let go of it first), so that the store's thread never frees it under the handler.
+    const auto saved = store.save(std::move(snapshot)).share();
     try {
-      store.save(std::move(snapshot)).get();
+      saved.get();
     } catch (const std::exception& error) {
       Logger::standard().error("Failed to save tags " + localizedDescription(error));
     }

@@ -23,8 +23,9 @@ class StorageFaultTest : public StorageTest, public ::testing::WithParamInterfac
 
   // The message of the error that a save of `readings` throws, or "" when it does not throw.
   static std::string saveError(ReadingsStore& store, const Readings& readings) {
+    const auto saved = store.save(readings).share();  // keeps the error past the handler, as TagsManager does
     try {
-      store.save(readings).get();
+      saved.get();
     } catch (const fs::filesystem_error& error) {
       return error.what();
     }

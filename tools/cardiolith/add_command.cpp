@@ -71,17 +71,21 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
     for (const auto& title : options.tags) tagIDs->insert(tagList->find(title).id);
   }
 
-  ReadingsLog log(folder, ReadingsLog::Access::change);
-  const bool newLog = !std::filesystem::exists(log.file());
   auto reading = std::make_shared<Reading>(UUID::random().uuidString(), date, input.systolic, input.diastolic,
                                            pulse, options.note, std::nullopt, tagIDs);
-  log.readings().push_back(reading);
-  log.save();
+  // Composed before taking the lock, which concurrent adds wait for: the first date formatting loads the
+  // locale data.
+  std::string report = "Added " + displayDateFormatter().string(date) + "  " + describeValues(*reading) + "\n";
+  if (tagList) report += "  Tags: " + joined(tagList->titles(reading->tagIDs()), ", ") + "\n";
+  if (reading->notes()) report += "  Note: " + singleLine(*reading->notes()) + "\n";
 
-  std::cout << "Added " << displayDateFormatter().string(date) << "  " << describeValues(*reading) << '\n';
-  if (tagList) std::cout << "  Tags: " << joined(tagList->titles(reading->tagIDs()), ", ") << '\n';
-  if (reading->notes()) std::cout << "  Note: " << singleLine(*reading->notes()) << '\n';
-  if (newLog) std::cout << "Started a new log in " << log.file().string() << '\n';
+  {
+    ReadingsLog log(folder, ReadingsLog::Access::change);
+    if (!std::filesystem::exists(log.file())) report += "Started a new log in " + log.file().string() + "\n";
+    log.readings().push_back(reading);
+    log.save();
+  }
+  std::cout << report;
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #pragma once
 
-// The round-trip property of the JSON documents, shared by the fuzz targets and the regression test that
-// replays their inputs: whatever decodes must encode, and decode again to an equal value.
+// The properties of the JSON decoders, shared by the fuzz targets and the regression test that replays
+// their inputs: whatever decodes must be JSON by an independent parser, and must encode and decode again
+// to an equal value.
 
 #include <cstddef>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -16,12 +18,12 @@ namespace cardiolith::fuzzing {
 
 enum class Outcome { rejected, roundTripped };
 
-// An input that decoded but did not come back equal; what() says where it broke.
-struct RoundTripFailure : std::logic_error {
+// An input that decoded although it is not JSON, or did not come back equal; what() says where it broke.
+struct PropertyFailure : std::logic_error {
   using std::logic_error::logic_error;
 };
 
-namespace round_trip_detail {
+namespace property_detail {
 
 inline std::optional<std::string> difference(const Tag& a, const Tag& b, const std::string& where) {
   if (a == b) return std::nullopt;
@@ -57,33 +59,35 @@ inline std::optional<std::string> difference(const Readings& a, const Readings& 
   return std::nullopt;
 }
 
-}  // namespace round_trip_detail
+}  // namespace property_detail
 
-// Decodes `input` as T. A DecodingError is a clean rejection; any other exception escapes. A decoded value
-// must encode, decode again and compare equal, or RoundTripFailure is thrown.
+// Decodes `input` as T. A DecodingError is a clean rejection; any other exception escapes. A decoded input
+// must be well-formed JSON, and its value must encode, decode again and compare equal, or PropertyFailure
+// is thrown.
 template <class T>
-Outcome checkRoundTrip(std::string_view input) {
+Outcome checkDecoding(std::string_view input) {
   std::optional<T> first;
   try {
     first = json::decode<T>(input);
   } catch (const DecodingError&) {
     return Outcome::rejected;
   }
+  if (!nlohmann::json::accept(input)) throw PropertyFailure("decoded text that is not JSON");
   std::string encoded;
   try {
     encoded = json::encode(*first);
   } catch (const EncodingError& error) {
-    throw RoundTripFailure(std::string("decoded, but does not encode: ") + error.what());
+    throw PropertyFailure(std::string("decoded, but does not encode: ") + error.what());
   }
   std::optional<T> second;
   try {
     second = json::decode<T>(encoded);
   } catch (const DecodingError& error) {
-    throw RoundTripFailure(std::string("own encoding does not decode: ") + error.what() +
-                           "\nencoded: " + encoded);
+    throw PropertyFailure(std::string("own encoding does not decode: ") + error.what() +
+                          "\nencoded: " + encoded);
   }
-  if (auto found = round_trip_detail::difference(*first, *second)) {
-    throw RoundTripFailure(*found + "\nencoded: " + encoded);
+  if (auto found = property_detail::difference(*first, *second)) {
+    throw PropertyFailure(*found + "\nencoded: " + encoded);
   }
   return Outcome::roundTripped;
 }

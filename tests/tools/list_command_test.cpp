@@ -110,6 +110,7 @@ TEST_F(ListCommandTest, RefusesBadRanges) {
       {{"list", "--to", "2026-04-31"}, 1, "--to: \"2026-04-31\" is not a day of the calendar"},
       {{"list", "--last", "7x"}, 1, "--last: \"7x\" is not a span of days"},
       {{"list", "--last", "0d"}, 1, "is not a span of days"},
+      {{"list", "--from", "2026-11-20", "--to", "2026-11-19"}, 1, "the range ends before it starts"},
       {{"list", "--last", "7d", "--from", "2026-11-01"}, 2, "excludes"},
   };
   for (const auto& [arguments, exitCode, message] : cases) {

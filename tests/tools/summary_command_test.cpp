@@ -97,6 +97,7 @@ TEST_F(SummaryCommandTest, RefusesBadPeriods) {
       {{"summary", "--to", "2026-03-08"}, 2, "--to requires --from"},
       {{"summary", "--days", "7", "--from", "2026-03-01"}, 2, "excludes"},
       {{"summary", "--from", "2026-3-1"}, 1, "--from: \"2026-3-1\" is not a date"},
+      {{"summary", "--from", "2026-03-08", "--to", "2026-03-01"}, 1, "the range ends before it starts"},
   };
   for (const auto& [arguments, exitCode, message] : cases) {
     const auto result = run(arguments);

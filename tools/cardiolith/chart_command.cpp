@@ -9,6 +9,7 @@
 #include <ctime>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -26,35 +27,50 @@ struct ChartOptions {
   std::string out;
 };
 
-// The local midnight that starts the day of `date`.
-Date startOfLocalDay(Date date) {
+std::tm localParts(Date date) {
   const auto seconds = static_cast<std::time_t>(std::floor(date.timeIntervalSince1970()));
   std::tm parts{};
   localtime_r(&seconds, &parts);
+  return parts;
+}
+
+// The local midnight of the given day; mktime carries day and month overflow into the next month or year.
+Date localMidnight(std::tm parts) {
   parts.tm_hour = parts.tm_min = parts.tm_sec = 0;
   parts.tm_isdst = -1;
   return Date::fromTimeIntervalSince1970(static_cast<double>(std::mktime(&parts)));
 }
 
-// Day marks at local midnights, spaced so that about ten fit under the chart.
-std::vector<TimeTick> dayTicks(Date start, Date end, std::int64_t days) {
-  static constexpr std::int64_t spacings[] = {1, 2, 3, 7, 14, 28, 56, 91, 182, 364};
-  std::int64_t spacing = spacings[std::size(spacings) - 1];
-  for (const auto candidate : spacings) {
-    if (days / candidate <= 10) {
-      spacing = candidate;
-      break;
-    }
+// The first of the smallest step (in days, or months for long periods) that puts at most ten marks under
+// the chart.
+template <std::size_t size>
+int spacingFor(double count, const int (&steps)[size]) {
+  for (const int step : steps) {
+    if (count / step <= 10) return step;
   }
-  const DateFormatter label(spacing >= 28 ? "MMM yyyy" : "d MMM");
+  return steps[size - 1];
+}
+
+// Marks at local midnights: every day or few days for short periods, on the first of every month or few
+// months for long ones.
+std::vector<TimeTick> timeTicks(Date start, Date end, std::int64_t days) {
+  static constexpr int daySteps[] = {1, 2, 3, 7, 14};
+  static constexpr int monthSteps[] = {1, 2, 3, 6, 12, 24, 60, 120, 240, 600, 1200};
+  const bool monthly = days > 140;
+  const int step = monthly ? spacingFor(static_cast<double>(days) / 30.4, monthSteps)
+                           : spacingFor(static_cast<double>(days), daySteps);
+  const DateFormatter label(monthly ? "MMM yyyy" : "d MMM");
+  std::tm first = localParts(start);
+  if (monthly) first.tm_mday = 1;
   std::vector<TimeTick> ticks;
-  Date tick = startOfLocalDay(start);
-  if (tick < start) tick = tick.addingDays(1);
-  while (tick <= end) {
-    ticks.push_back({tick, label.string(tick)});
-    const Date next = tick.addingDays(spacing);
-    if (!(next > tick)) break;  // the calendar can't step further
-    tick = next;
+  Date previous{-std::numeric_limits<double>::infinity()};
+  for (int index = 0;; ++index) {
+    std::tm parts = first;
+    (monthly ? parts.tm_mon : parts.tm_mday) += index * step;
+    const Date tick = localMidnight(parts);
+    if (tick > end || !(tick > previous)) break;  // past the end, or beyond what mktime can represent
+    if (tick >= start) ticks.push_back({tick, label.string(tick)});
+    previous = tick;
   }
   return ticks;
 }
@@ -92,7 +108,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   request.subtitle = subtitle(selection, start, end);
   request.start = start;
   request.end = end;
-  request.ticks = dayTicks(start, end, options.days);
+  request.ticks = timeTicks(start, end, options.days);
   for (const auto& reading : selection) request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
 
   std::ofstream file(options.out, std::ios::binary | std::ios::trunc);

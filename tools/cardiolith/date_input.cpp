@@ -97,6 +97,10 @@ Date parseRangeEnd(std::string_view text, std::string_view option) {
   return localInstant(fields, 1, text, option).addingTimeInterval(-0.001);
 }
 
+void requireOrdered(Date from, Date to) {
+  if (to < from) throw ToolError("--to: the range ends before it starts; give --from the earlier date");
+}
+
 std::int64_t parseSpanDays(std::string_view text, std::string_view option) {
   std::int64_t count = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);

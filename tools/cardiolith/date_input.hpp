@@ -17,6 +17,9 @@ Date parseDateTime(std::string_view text, std::string_view option);
 // inclusive range ending there takes the whole day.
 Date parseRangeEnd(std::string_view text, std::string_view option);
 
+// ToolError when a range ends before it starts.
+void requireOrdered(Date from, Date to);
+
 // A span of days: "7", "7d" or "2w" (weeks). At least one day.
 std::int64_t parseSpanDays(std::string_view text, std::string_view option);
 

@@ -38,6 +38,7 @@ DateRange chosenRange(const ListOptions& options) {
   if (options.last) range.from = Date::now().addingDays(-parseSpanDays(*options.last, "--last"));
   if (options.from) range.from = parseDateTime(*options.from, "--from");
   if (options.to) range.to = parseRangeEnd(*options.to, "--to");
+  requireOrdered(range.from, range.to);
   return range;
 }
 

@@ -38,6 +38,7 @@ Period chosenPeriod(const SummaryOptions& options) {
   if (options.from) {
     const Date start = parseDateTime(*options.from, "--from");
     const Date end = options.to ? parseRangeEnd(*options.to, "--to") : now;
+    requireOrdered(start, end);
     return {start, end, "From " + *options.from + " to " + options.to.value_or("now")};
   }
   return {now.addingDays(-options.days), now,

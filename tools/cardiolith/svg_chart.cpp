@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
+#include <optional>
 #include <sstream>
 #include <string_view>
 
@@ -163,8 +164,6 @@ class ValueAxis {
 
 std::string wholeNumber(double value) { return std::to_string(static_cast<long long>(std::lround(value))); }
 
-// Text with a white outline, readable over lines and points.
-constexpr std::string_view haloStyle = " stroke=\"#ffffff\" stroke-width=\"3\" paint-order=\"stroke\"";
 
 void drawBands(Canvas& canvas, const Panel& panel, const ValueAxis& axis) {
   for (std::size_t i = 0; i < panel.bandCount; ++i) {
@@ -195,15 +194,21 @@ void drawGrid(Canvas& canvas, const Panel& panel, const ValueAxis& values, const
   canvas.rect(plotLeft, panel.top, plotWidth, panel.height, "fill=\"none\" stroke=\"#6b7280\" stroke-width=\"1\"");
 }
 
-void drawAverage(Canvas& canvas, const Panel& panel, const ValueAxis& values, double average) {
+void drawAverageLine(Canvas& canvas, const Panel& panel, const ValueAxis& values, double average) {
   const double y = values.y(average);
   canvas.line(plotLeft, y, plotRight, y,
               attribute("stroke", panel.color) + " stroke-width=\"1.5\" stroke-dasharray=\"6 4\" stroke-opacity=\"0.8\"");
+}
+
+// "Systolic (mmHg)" on the left, the average on the right: above the panel, where no point can hide it.
+void drawHeading(Canvas& canvas, const Panel& panel, std::optional<double> average) {
+  canvas.text(plotLeft, panel.top - 10, std::string(panel.name) + " (mmHg)",
+              attribute("fill", panel.color) + " font-size=\"14\" font-weight=\"bold\"");
+  if (!average) return;
   std::ostringstream label;
-  label << "average " << std::fixed << std::setprecision(1) << average;
-  canvas.text(plotRight - 6, y - 6, label.str(),
-              attribute("fill", panel.color) + " text-anchor=\"end\" font-size=\"11\" font-weight=\"bold\"" +
-                  std::string(haloStyle));
+  label << "average " << std::fixed << std::setprecision(1) << *average;
+  canvas.text(plotRight, panel.top - 10, label.str(),
+              attribute("fill", panel.color) + " text-anchor=\"end\" font-size=\"13\"");
 }
 
 void drawSeries(Canvas& canvas, const Panel& panel, const ValueAxis& values, const TimeAxis& time,
@@ -224,16 +229,17 @@ void drawSeries(Canvas& canvas, const Panel& panel, const ValueAxis& values, con
 void drawPanel(Canvas& canvas, const Panel& panel, const TimeAxis& time, const std::vector<ChartPoint>& points,
                const std::vector<TimeTick>& ticks) {
   const ValueAxis values(panel, points);
-  canvas.text(plotLeft, panel.top - 10, std::string(panel.name) + " (mmHg)",
-              attribute("fill", panel.color) + " font-size=\"14\" font-weight=\"bold\"");
-  drawBands(canvas, panel, values);
-  drawGrid(canvas, panel, values, time, ticks);
-  drawSeries(canvas, panel, values, time, points);
+  std::optional<double> average;
   if (!points.empty()) {
     double sum = 0;
     for (const auto& point : points) sum += static_cast<double>(point.*panel.field);
-    drawAverage(canvas, panel, values, sum / static_cast<double>(points.size()));
+    average = sum / static_cast<double>(points.size());
   }
+  drawHeading(canvas, panel, average);
+  drawBands(canvas, panel, values);
+  drawGrid(canvas, panel, values, time, ticks);
+  if (average) drawAverageLine(canvas, panel, values, *average);
+  drawSeries(canvas, panel, values, time, points);
 }
 
 void drawTimeLabels(Canvas& canvas, const TimeAxis& time, const std::vector<TimeTick>& ticks) {

@@ -89,7 +89,20 @@ TEST_F(ExportCommandTest, WritesToAFile) {
 
   const auto unwritable = run({"export", "--out", (root_ / "missing" / "export.csv").string()});
   EXPECT_EQ(unwritable.exitCode, 1);
-  EXPECT_THAT(unwritable.err, ::testing::HasSubstr("couldn't write the export to"));
+  EXPECT_THAT(unwritable.err, ::testing::HasSubstr("couldn't write " + (root_ / "missing" / "export.csv").string()));
+}
+
+TEST_F(ExportCommandTest, NeverWritesOverTheLog) {
+  const std::string log = readFile(readingsFile());
+  const std::string target = (data_ / "." / "readings").string();
+  for (const auto& arguments : {std::vector<std::string>{"export", "--out", target},
+                                std::vector<std::string>{"chart", "--days", "100000", "--out", target}}) {
+    const auto& command = arguments.front();
+    const auto result = run(arguments);
+    EXPECT_EQ(result.exitCode, 1) << command;
+    EXPECT_THAT(result.err, ::testing::HasSubstr("won't write over " + readingsFile().string())) << command;
+  }
+  EXPECT_EQ(readFile(readingsFile()), log);
 }
 
 TEST_F(ExportCommandTest, RefusesAnUnknownFormat) {

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
-#include <fstream>
 #include <iostream>
 #include <limits>
 #include <memory>
@@ -16,6 +15,7 @@
 #include "category_text.hpp"
 #include "commands.hpp"
 #include "data_folder.hpp"
+#include "output_file.hpp"
 #include "svg_chart.hpp"
 #include "tool_error.hpp"
 
@@ -111,10 +111,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   request.ticks = timeTicks(start, end, options.days);
   for (const auto& reading : selection) request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
 
-  std::ofstream file(options.out, std::ios::binary | std::ios::trunc);
-  file << renderChart(request);
-  file.close();
-  if (!file) throw ToolError("couldn't write the chart to " + options.out);
+  writeOutputFile(options.out, renderChart(request), {log.file(), folder.tagsFile(), folder.lockFile()});
   std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
 }
 

@@ -1,7 +1,6 @@
 #include <cardiolith/platform/list_formatter.hpp>
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -12,6 +11,7 @@
 
 #include "commands.hpp"
 #include "data_folder.hpp"
+#include "output_file.hpp"
 #include "reading_text.hpp"
 #include "tag_list.hpp"
 #include "tool_error.hpp"
@@ -93,13 +93,6 @@ std::string exportText(ReadingList readings, const TagList& tags, const ExportOp
   return text.str();
 }
 
-void writeFile(const std::string& path, const std::string& text) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file << text;
-  file.close();
-  if (!file) throw ToolError("couldn't write the export to " + path);
-}
-
 void runExport(const ExportOptions& options, const GlobalOptions& global) {
   const DataFolder folder(global);
   const TagList tags(folder);
@@ -109,7 +102,7 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
     std::cout << text;
     return;
   }
-  writeFile(*options.out, text);
+  writeOutputFile(*options.out, text, {log.file(), folder.tagsFile(), folder.lockFile()});
   std::cout << "Exported " << log.readings().size() << " readings to " << *options.out << '\n';
 }
 

@@ -15,11 +15,14 @@ std::optional<std::string> environmentTZ() {
   return std::string(value);
 }
 
+std::mutex mutex;
+// TZ as it was when the process started, before ICU can have read it: ICU's cached default follows that
+// value, or a later one if TZ changed before ICU first looked, which a re-detection then merely confirms.
+std::optional<std::string> lastSeenTZ = environmentTZ();
+
 }  // namespace
 
 std::unique_ptr<icu::TimeZone> currentDefaultTimeZone() {
-  static std::mutex mutex;
-  static std::optional<std::string> lastSeenTZ = environmentTZ();
   std::lock_guard lock(mutex);
   if (auto tz = environmentTZ(); tz != lastSeenTZ) {
     lastSeenTZ = std::move(tz);

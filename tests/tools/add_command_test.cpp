@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -23,7 +23,8 @@ class AddCommandTest : public ToolTest {
 };
 
 TEST_F(AddCommandTest, StoresTheReadingAndPrintsItWithItsCategory) {
-  const auto result = run({"add", "128/82", "--pulse", "71", "--at", "2026-11-20 07:45", "--note", "after coffee"});
+  const auto result =
+      run({"add", "128/82", "--pulse", "71", "--at", "2026-11-20 07:45", "--note", "after coffee"});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   EXPECT_THAT(result.out, HasSubstr("2026-11-20 07:45"));
   EXPECT_THAT(result.out, HasSubstr("128/82 mmHg, pulse 71: High"));
@@ -38,12 +39,14 @@ TEST_F(AddCommandTest, StoresTheReadingAndPrintsItWithItsCategory) {
   EXPECT_EQ(readings[0]["diastolic"], 82);
   EXPECT_EQ(readings[0]["pulse"], 71);
   EXPECT_EQ(readings[0]["notes"], "after coffee");
-  EXPECT_THAT(readings[0]["id"].get<std::string>(), ::testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
+  EXPECT_THAT(readings[0]["id"].get<std::string>(),
+              ::testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
 }
 
 TEST_F(AddCommandTest, TakesThePulseAsAThirdNumber) {
   ASSERT_EQ(run({"add", "118/76/64", "--at", "2026-11-20"}).exitCode, 0);
-  ASSERT_EQ(run({"add", "118/76/64", "--pulse", "64", "--at", "2026-11-21"}).exitCode, 0);  // the same pulse twice is fine
+  ASSERT_EQ(run({"add", "118/76/64", "--pulse", "64", "--at", "2026-11-21"}).exitCode,
+            0);  // the same pulse twice is fine
   const auto readings = listed();
   ASSERT_EQ(readings.size(), 2u);
   EXPECT_EQ(readings[0]["pulse"], 64);
@@ -113,13 +116,16 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedAdd{{"250/201", "-p", "70"}, "the diastolic pressure 201 is outside 20-200 mmHg"},
         RefusedAdd{{"128/82", "-p", "251"}, "the pulse 251 is outside 20-250 beats per minute"},
         RefusedAdd{{"128/82", "-p", "19"}, "the pulse 19 is outside 20-250"},
-        RefusedAdd{{"82/128", "-p", "70"}, "the diastolic pressure 128 is not below the systolic pressure 82"},
+        RefusedAdd{{"82/128", "-p", "70"},
+                   "the diastolic pressure 128 is not below the systolic pressure 82"},
         RefusedAdd{{"100/100", "-p", "70"}, "is not below the systolic"},
         RefusedAdd{{"120/80", "-p", "70", "--at", "2099-01-01"}, "is in the future"},
         RefusedAdd{{"120/80", "-p", "70", "--tag", "Moring"}, "there is no tag \"Moring\"; the tags are: "},
         RefusedAdd{{"120/80", "-p", "70", "--at", "20.11.2026"}, "--at: \"20.11.2026\" is not a date"},
-        RefusedAdd{{"120/80", "-p", "70", "--at", "2026-13-01"}, "\"2026-13-01\" is not a day of the calendar"},
-        RefusedAdd{{"120/80", "-p", "70", "--at", "2025-02-29"}, "\"2025-02-29\" is not a day of the calendar"},
+        RefusedAdd{{"120/80", "-p", "70", "--at", "2026-13-01"},
+                   "\"2026-13-01\" is not a day of the calendar"},
+        RefusedAdd{{"120/80", "-p", "70", "--at", "2025-02-29"},
+                   "\"2025-02-29\" is not a day of the calendar"},
         RefusedAdd{{"120/80", "-p", "70", "--at", "2026-11-20 24:00"}, "24:00 is not a time of day"},
         RefusedAdd{{"120/80", "-p", "70", "--at", "2026-11-20 7:45"}, "is not a date"},
         RefusedAdd{{"120/80", "-p", "70", "--at", "2026-11-20 07:45:10"}, "is not a date"}));

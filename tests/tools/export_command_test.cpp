@@ -48,7 +48,8 @@ TEST_F(ExportCommandTest, TagsAndNotesKeepTheirColumns) {
   ASSERT_EQ(result.exitCode, 0) << result.err;
   EXPECT_THAT(lines(result.out),
               ElementsAre("Date,Systolic,Diastolic,Pulse,Tags,Notes", "2026-11-18 08:00,120,80,60,,",
-                          "2026-11-19 08:00,125,81,66,,tab\there", "2026-11-20 07:45,132,86,72,Left arm; Morning,dizzy  'bad' day slept late",
+                          "2026-11-19 08:00,125,81,66,,tab\there",
+                          "2026-11-20 07:45,132,86,72,Left arm; Morning,dizzy  'bad' day slept late",
                           "2026-11-21 08:00,118,76,64,Evening,"));
 }
 
@@ -89,7 +90,8 @@ TEST_F(ExportCommandTest, WritesToAFile) {
 
   const auto unwritable = run({"export", "--out", (root_ / "missing" / "export.csv").string()});
   EXPECT_EQ(unwritable.exitCode, 1);
-  EXPECT_THAT(unwritable.err, ::testing::HasSubstr("couldn't write " + (root_ / "missing" / "export.csv").string()));
+  EXPECT_THAT(unwritable.err,
+              ::testing::HasSubstr("couldn't write " + (root_ / "missing" / "export.csv").string()));
 }
 
 TEST_F(ExportCommandTest, NeverWritesOverTheLog) {

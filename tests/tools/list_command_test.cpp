@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -64,7 +64,8 @@ TEST_F(ListCommandTest, RangesIncludeTheWholeLastDay) {
       {{"--from", "2026-11-19"}, {"2026-11-21T00:00:00Z", "2026-11-20T23:59:00Z", "2026-11-19T08:00:00Z"}},
       {{"--to", "2026-11-20"}, {"2026-11-20T23:59:00Z", "2026-11-19T08:00:00Z", "2026-11-18T07:30:00Z"}},
       {{"--from", "2026-11-19", "--to", "2026-11-20"}, {"2026-11-20T23:59:00Z", "2026-11-19T08:00:00Z"}},
-      {{"--from", "2026-11-19 08:01", "--to", "2026-11-21 00:00"}, {"2026-11-21T00:00:00Z", "2026-11-20T23:59:00Z"}},
+      {{"--from", "2026-11-19 08:01", "--to", "2026-11-21 00:00"},
+       {"2026-11-21T00:00:00Z", "2026-11-20T23:59:00Z"}},
       {{"--from", "2026-12-01"}, {}},
   };
   for (const auto& [options, dates] : cases) {

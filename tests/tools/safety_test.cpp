@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <vector>
@@ -36,7 +36,8 @@ TEST_F(SafetyTest, AnUnreadableReadingsFileIsReportedAndLeftUntouched) {
   for (const auto& [arguments, writes] : cases) {
     const auto result = run(arguments);
     EXPECT_EQ(result.exitCode, 1) << arguments[0];
-    EXPECT_THAT(result.err, HasSubstr("can't read the readings file " + readingsFile().string())) << arguments[0];
+    EXPECT_THAT(result.err, HasSubstr("can't read the readings file " + readingsFile().string()))
+        << arguments[0];
     if (writes) {
       EXPECT_THAT(result.err, HasSubstr("Nothing was changed")) << arguments[0];
     }
@@ -49,7 +50,8 @@ TEST_F(SafetyTest, ConcurrentAddsAllLand) {
   std::vector<ToolProcess> processes;
   processes.reserve(count);
   for (int i = 0; i < count; ++i) {
-    processes.push_back(start({"add", std::to_string(100 + i % 50) + "/70/60", "--note", "add " + std::to_string(i)}));
+    processes.push_back(
+        start({"add", std::to_string(100 + i % 50) + "/70/60", "--note", "add " + std::to_string(i)}));
   }
   for (auto& process : processes) {
     const auto result = process.wait();
@@ -64,8 +66,9 @@ TEST_F(SafetyTest, ConcurrentAddsAllLand) {
 
 TEST_F(SafetyTest, WithoutDataDirTheLogLivesInTheDefaultPlaces) {
   const auto container = root_ / "container";
-  const std::map<std::string, std::string> places{{"CARDIOLITH_GROUP_CONTAINER", container.string()},
-                                                  {"CARDIOLITH_DOCUMENTS_DIR", (root_ / "documents").string()}};
+  const std::map<std::string, std::string> places{
+      {"CARDIOLITH_GROUP_CONTAINER", container.string()},
+      {"CARDIOLITH_DOCUMENTS_DIR", (root_ / "documents").string()}};
   const auto added = runPlain({"add", "120/80/60"}, places);
   ASSERT_EQ(added.exitCode, 0) << added.err;
   EXPECT_TRUE(std::filesystem::exists(container / "readings"));

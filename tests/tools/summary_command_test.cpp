@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -19,11 +19,11 @@ class SummaryCommandTest : public ToolTest {
     ToolTest::SetUp();
     // Current period 1-8 March: two readings averaging 130/85/70. The 7 days before: one of 120/80/77.
     // The one of January lies in neither.
-    for (const auto& [at, values] : std::vector<std::pair<std::string, std::string>>{
-             {"2026-03-02 08:00", "128/84/68"},
-             {"2026-03-05 20:00", "132/86/72"},
-             {"2026-02-25 08:00", "120/80/77"},
-             {"2026-01-10 08:00", "180/110/90"}}) {
+    for (const auto& [at, values] :
+         std::vector<std::pair<std::string, std::string>>{{"2026-03-02 08:00", "128/84/68"},
+                                                          {"2026-03-05 20:00", "132/86/72"},
+                                                          {"2026-02-25 08:00", "120/80/77"},
+                                                          {"2026-01-10 08:00", "180/110/90"}}) {
       const auto result = run({"add", values, "--at", at});
       ASSERT_EQ(result.exitCode, 0) << result.err;
     }
@@ -62,7 +62,8 @@ TEST_F(SummaryCommandTest, APeriodWithoutThePeriodBeforeHasNoChange) {
   EXPECT_THAT(text.out, HasSubstr("(no readings in the period before, so no change)"));
   EXPECT_THAT(text.out, HasSubstr("Category of the average: Normal"));
 
-  const auto json = nlohmann::json::parse(run({"summary", "--from", "2026-02-25", "--to", "2026-02-25", "--json"}).out);
+  const auto json =
+      nlohmann::json::parse(run({"summary", "--from", "2026-02-25", "--to", "2026-02-25", "--json"}).out);
   EXPECT_TRUE(json["previous"].is_null());
   EXPECT_TRUE(json["change"]["systolic"].is_null());
 }
@@ -115,9 +116,14 @@ TEST_F(ClassifyCommandTest, NamesTheCategoryOfAPair) {
     std::string name;
   };
   const std::vector<Case> cases{
-      {"0/0", "low", "Low"},           {"120/80", "normal", "Normal"},     {"120/59", "elevated", "Elevated"},
-      {"135/95", "high", "High"},      {"150/85", "high", "High"},         {"140/80", "veryHigh", "Very high"},
-      {"100/90", "veryHigh", "Very high"}, {"85/70", "unreadable", "Unreadable"},
+      {"0/0", "low", "Low"},
+      {"120/80", "normal", "Normal"},
+      {"120/59", "elevated", "Elevated"},
+      {"135/95", "high", "High"},
+      {"150/85", "high", "High"},
+      {"140/80", "veryHigh", "Very high"},
+      {"100/90", "veryHigh", "Very high"},
+      {"85/70", "unreadable", "Unreadable"},
   };
   for (const auto& [pair, key, name] : cases) {
     const auto text = run({"classify", pair});

@@ -49,17 +49,22 @@ ToolProcess::ToolProcess(const std::vector<std::string>& arguments,
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errFile_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile_.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errFile_.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
   auto argPointers = pointers(argv);
   auto envPointers = pointers(envp);
-  const int error = posix_spawn(&pid_, argv.front().c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
+  const int error =
+      posix_spawn(&pid_, argv.front().c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
   posix_spawn_file_actions_destroy(&actions);
   if (error != 0) throw std::runtime_error(std::string("can't start the tool: ") + std::strerror(error));
 }
 
 ToolProcess::ToolProcess(ToolProcess&& other) noexcept
-    : pid_(std::exchange(other.pid_, -1)), outFile_(std::move(other.outFile_)), errFile_(std::move(other.errFile_)) {}
+    : pid_(std::exchange(other.pid_, -1)),
+      outFile_(std::move(other.outFile_)),
+      errFile_(std::move(other.errFile_)) {}
 
 ToolProcess::~ToolProcess() {
   if (pid_ > 0) wait();

@@ -20,8 +20,8 @@ struct ToolResult {
 // caller's (their home, their time zone) leaks into a test.
 class ToolProcess {
  public:
-  ToolProcess(const std::vector<std::string>& arguments, const std::map<std::string, std::string>& environment,
-              const std::filesystem::path& scratch);
+  ToolProcess(const std::vector<std::string>& arguments,
+              const std::map<std::string, std::string>& environment, const std::filesystem::path& scratch);
   ~ToolProcess();
   ToolProcess(ToolProcess&& other) noexcept;
   ToolProcess(const ToolProcess&) = delete;

@@ -12,7 +12,8 @@ void ToolTest::SetUp() {
   root_ = pattern;
   data_ = root_ / "data";
   std::filesystem::create_directories(root_ / "home");
-  environment_ = {{"HOME", (root_ / "home").string()}, {"TZ", "UTC"}, {"LANG", "C.UTF-8"}, {"PATH", "/usr/bin:/bin"}};
+  environment_ = {
+      {"HOME", (root_ / "home").string()}, {"TZ", "UTC"}, {"LANG", "C.UTF-8"}, {"PATH", "/usr/bin:/bin"}};
   // A sanitizer build's settings reach the tool too.
   for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS"}) {
     if (const char* value = std::getenv(name)) environment_[name] = value;

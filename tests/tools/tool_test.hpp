@@ -23,7 +23,8 @@ class ToolTest : public ::testing::Test {
   // Starts the tool on the test's data folder without waiting.
   ToolProcess start(const std::vector<std::string>& arguments);
   // Runs the tool with exactly these arguments (no --data-dir) and these extra environment variables.
-  ToolResult runPlain(const std::vector<std::string>& arguments, const std::map<std::string, std::string>& extra = {});
+  ToolResult runPlain(const std::vector<std::string>& arguments,
+                      const std::map<std::string, std::string>& extra = {});
 
   std::filesystem::path readingsFile() const { return data_ / "readings"; }
   std::filesystem::path tagsFile() const { return data_ / "tags"; }

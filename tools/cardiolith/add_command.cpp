@@ -1,7 +1,6 @@
 #include <cardiolith/platform/date.hpp>
 #include <cardiolith/platform/text.hpp>
 #include <cardiolith/platform/uuid.hpp>
-
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -40,8 +39,10 @@ std::int64_t chosenPulse(const PressureInput& input, const AddOptions& options) 
   }
   if (input.pulse) return *input.pulse;
   if (options.pulse) return *options.pulse;
-  throw ToolError("the pulse is missing; give it with --pulse (the monitor shows it beside the pressures), e.g. "
-                  "cardiolith add " + options.values + " --pulse 71");
+  throw ToolError(
+      "the pulse is missing; give it with --pulse (the monitor shows it beside the pressures), e.g. "
+      "cardiolith add " +
+      options.values + " --pulse 71");
 }
 
 void refuseImplausible(const PressureInput& input, std::int64_t pulse, Date date, Date now) {
@@ -60,7 +61,8 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
   const Date now = Date::now();
   const Date date = options.at ? parseDateTime(*options.at, "--at") : now;
   if (!options.force) refuseImplausible(input, pulse, date, now);
-  if (options.note && !text::isValidUTF8(*options.note)) throw ToolError("--note: the text is not valid UTF-8");
+  if (options.note && !text::isValidUTF8(*options.note))
+    throw ToolError("--note: the text is not valid UTF-8");
 
   const DataFolder folder(global);
   std::optional<TagList> tagList;
@@ -75,7 +77,8 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
                                            pulse, options.note, std::nullopt, tagIDs);
   // Composed before taking the lock, which concurrent adds wait for: the first date formatting loads the
   // locale data.
-  std::string report = "Added " + displayDateFormatter().string(date) + "  " + describeValues(*reading) + "\n";
+  std::string report =
+      "Added " + displayDateFormatter().string(date) + "  " + describeValues(*reading) + "\n";
   if (tagList) report += "  Tags: " + joined(tagList->titles(reading->tagIDs()), ", ") + "\n";
   if (reading->notes()) report += "  Note: " + singleLine(*reading->notes()) + "\n";
 
@@ -93,10 +96,13 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
 void addAddCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<AddOptions>();
   auto* command = app.add_subcommand("add", "Add a reading to the log");
-  command->add_option("reading", options->values, "Systolic/diastolic in mmHg (128/82), or with the pulse (128/82/71)")
+  command
+      ->add_option("reading", options->values,
+                   "Systolic/diastolic in mmHg (128/82), or with the pulse (128/82/71)")
       ->required();
   command->add_option("--pulse,-p", options->pulse, "Pulse in beats per minute");
-  command->add_option("--at", options->at, "When it was taken: \"YYYY-MM-DD HH:MM\" or YYYY-MM-DD, local time (default: now)");
+  command->add_option("--at", options->at,
+                      "When it was taken: \"YYYY-MM-DD HH:MM\" or YYYY-MM-DD, local time (default: now)");
   command->add_option("--note,-n", options->note, "A note to keep with the reading");
   command->add_option("--tag,-t", options->tags, "A tag title; repeat for several (see: cardiolith tags)");
   command->add_flag("--force", options->force, "Keep values outside the usual human range, or a future date");

@@ -15,7 +15,8 @@ const CategoryText& textOf(BloodPressureAnalysis category) {
   static constexpr CategoryText normal{"Normal", "normal", "systolic 90-120 and diastolic 60-80"};
   static constexpr CategoryText elevated{"Elevated", "elevated", "systolic 120-129 and diastolic 80 or less"};
   static constexpr CategoryText high{"High", "high", "systolic 130-139, or diastolic 81-89"};
-  static constexpr CategoryText veryHigh{"Very high", "veryHigh", "systolic 140 or more, or diastolic 90 or more"};
+  static constexpr CategoryText veryHigh{"Very high", "veryHigh",
+                                         "systolic 140 or more, or diastolic 90 or more"};
   switch (category) {
     case BloodPressureAnalysis::low:
       return low;

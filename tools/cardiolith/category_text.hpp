@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
-
 #include <string_view>
 
 namespace cardiolith::tool {

@@ -3,7 +3,6 @@
 #include <cardiolith/model/collection.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <cardiolith/platform/date_formatter.hpp>
-
 #include <cmath>
 #include <cstdio>
 #include <ctime>
@@ -77,16 +76,17 @@ std::vector<TimeTick> timeTicks(Date start, Date end, std::int64_t days) {
 
 std::string subtitle(const ReadingList& readings, Date start, Date end) {
   const DateFormatter day("d MMM yyyy");
-  std::string text = day.string(start) + " \u2013 " + day.string(end) + " \u00b7 " + std::to_string(readings.size()) +
-                     (readings.size() == 1 ? " reading" : " readings");
+  std::string text = day.string(start) + " \u2013 " + day.string(end) + " \u00b7 " +
+                     std::to_string(readings.size()) + (readings.size() == 1 ? " reading" : " readings");
   const auto systolic = ReadingsSummarizer::getAverage(Reading::ValueType::systolic, readings);
   const auto diastolic = ReadingsSummarizer::getAverage(Reading::ValueType::diastolic, readings);
   if (systolic && diastolic) {
     char average[64];
-    std::snprintf(average, sizeof average, "%.1f/%.1f", static_cast<double>(*systolic), static_cast<double>(*diastolic));
+    std::snprintf(average, sizeof average, "%.1f/%.1f", static_cast<double>(*systolic),
+                  static_cast<double>(*diastolic));
     // Classified like a summary's average: each pressure truncated toward zero.
-    const auto category =
-        BloodPressureAnalyzer::result(static_cast<std::int64_t>(*systolic), static_cast<std::int64_t>(*diastolic));
+    const auto category = BloodPressureAnalyzer::result(static_cast<std::int64_t>(*systolic),
+                                                        static_cast<std::int64_t>(*diastolic));
     text += " \u00b7 average " + std::string(average) + " mmHg, " + std::string(categoryName(category));
   }
   return text;
@@ -104,12 +104,14 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   }
 
   ChartRequest request;
-  request.title = "Blood pressure, last " + std::to_string(options.days) + (options.days == 1 ? " day" : " days");
+  request.title =
+      "Blood pressure, last " + std::to_string(options.days) + (options.days == 1 ? " day" : " days");
   request.subtitle = subtitle(selection, start, end);
   request.start = start;
   request.end = end;
   request.ticks = timeTicks(start, end, options.days);
-  for (const auto& reading : selection) request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
+  for (const auto& reading : selection)
+    request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
 
   writeOutputFile(options.out, renderChart(request), {log.file(), folder.tagsFile(), folder.lockFile()});
   std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
@@ -119,7 +121,8 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
 
 void addChartCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ChartOptions>();
-  auto* command = app.add_subcommand("chart", "Draw systolic and diastolic pressure over time as an SVG picture");
+  auto* command =
+      app.add_subcommand("chart", "Draw systolic and diastolic pressure over time as an SVG picture");
   command->add_option("--days", options->days, "The last N days (default 30)")->check(CLI::Range(1, 100000));
   command->add_option("--out,-o", options->out, "The SVG file to write, e.g. pressure.svg")->required();
   command->callback([options, &global] { runChart(*options, global); });

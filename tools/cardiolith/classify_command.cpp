@@ -1,5 +1,4 @@
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
-
 #include <iostream>
 #include <memory>
 #include <string>

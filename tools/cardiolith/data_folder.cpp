@@ -1,7 +1,6 @@
 #include "data_folder.hpp"
 
 #include <cardiolith/storage/storage_options.hpp>
-
 #include <cstdlib>
 #include <system_error>
 
@@ -14,7 +13,8 @@ StorageLocations locationsFor(const GlobalOptions& options) {
   if (options.dataDir) {
     std::error_code error;
     std::filesystem::create_directories(*options.dataDir, error);
-    if (error) throw ToolError("can't create the data folder " + options.dataDir->string() + ": " + error.message());
+    if (error)
+      throw ToolError("can't create the data folder " + options.dataDir->string() + ": " + error.message());
     return StorageLocations{*options.dataDir, {*options.dataDir}};
   }
   auto locations = StorageLocations::current();
@@ -30,10 +30,12 @@ Readings loadExisting(ReadingsStore& store, ReadingsLog::Access access) {
   try {
     return store.loadExisting().get();
   } catch (const std::exception& error) {
-    std::string message = "can't read the readings file " + store.localDataPath().string() + ": " + error.what();
+    std::string message =
+        "can't read the readings file " + store.localDataPath().string() + ": " + error.what();
     if (access == ReadingsLog::Access::change) {
-      message += "\nNothing was changed: the file is left exactly as it is. Move it aside (or restore it from a "
-                 "backup) before adding to the log.";
+      message +=
+          "\nNothing was changed: the file is left exactly as it is. Move it aside (or restore it from a "
+          "backup) before adding to the log.";
     }
     throw ToolError(message);
   }
@@ -49,7 +51,8 @@ void DataFolder::makeLibraryDefault() const {
 }
 
 ReadingsLog::ReadingsLog(const DataFolder& folder, Access access)
-    : lock_(folder.lockFile(), access == Access::change ? FolderLock::Mode::exclusive : FolderLock::Mode::shared),
+    : lock_(folder.lockFile(),
+            access == Access::change ? FolderLock::Mode::exclusive : FolderLock::Mode::shared),
       store_(folder.locations(), StorageOptions{.durable = true}),
       document_(loadExisting(store_, access)) {}
 

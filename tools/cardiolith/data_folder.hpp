@@ -3,7 +3,6 @@
 #include <cardiolith/model/readings.hpp>
 #include <cardiolith/platform/storage_locations.hpp>
 #include <cardiolith/storage/readings_store.hpp>
-
 #include <filesystem>
 
 #include "folder_lock.hpp"

@@ -56,7 +56,8 @@ CalendarFields parseFields(std::string_view text, std::string_view option) {
 
 // mktime on the local time zone, with every field checked after normalisation: mktime quietly turns
 // 31 April into 1 May and a skipped 02:30 into 03:30, and neither is what the user typed.
-Date localInstant(const CalendarFields& fields, int dayOffset, std::string_view text, std::string_view option) {
+Date localInstant(const CalendarFields& fields, int dayOffset, std::string_view text,
+                  std::string_view option) {
   std::tm parts{};
   parts.tm_year = fields.year - 1900;
   parts.tm_mon = fields.month - 1;
@@ -69,7 +70,8 @@ Date localInstant(const CalendarFields& fields, int dayOffset, std::string_view 
   const bool sameDay =
       checked.tm_year == parts.tm_year && checked.tm_mon == parts.tm_mon && checked.tm_mday == parts.tm_mday;
   if (!sameDay) {
-    throw ToolError(std::string(option) + ": " + quoted(text.substr(0, 10)) + " is not a day of the calendar");
+    throw ToolError(std::string(option) + ": " + quoted(text.substr(0, 10)) +
+                    " is not a day of the calendar");
   }
   // A day alone starts at its first instant, even where the clocks skip midnight.
   const bool sameTime = checked.tm_hour == parts.tm_hour && checked.tm_min == parts.tm_min;

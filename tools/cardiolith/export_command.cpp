@@ -1,6 +1,5 @@
-#include <cardiolith/platform/list_formatter.hpp>
-
 #include <algorithm>
+#include <cardiolith/platform/list_formatter.hpp>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -73,9 +72,9 @@ std::string headerLine(std::string_view separator, bool includeTags, bool includ
 // A copy of the reading whose optional cells are present (empty when absent) and plain, so that every
 // row has the header's columns in the header's places.
 std::shared_ptr<Reading> exportable(const Reading& reading) {
-  return Reading::decoded(reading.id(), reading.date(), reading.systolic(), reading.diastolic(), reading.pulse(),
-                          plainCell(reading.notes().value_or("")), reading.tagIDs().value_or(std::set<UUID>{}),
-                          reading.healthKitID());
+  return Reading::decoded(reading.id(), reading.date(), reading.systolic(), reading.diastolic(),
+                          reading.pulse(), plainCell(reading.notes().value_or("")),
+                          reading.tagIDs().value_or(std::set<UUID>{}), reading.healthKitID());
 }
 
 std::string exportText(ReadingList readings, const TagList& tags, const ExportOptions& options) {
@@ -86,8 +85,8 @@ std::string exportText(ReadingList readings, const TagList& tags, const ExportOp
   std::ostringstream text;
   text << headerLine(separator, options.tags, options.notes) << '\n';
   for (const auto& reading : readings) {
-    text << exportable(*reading)->inLineFormat(displayDateFormatter(), tagFormatter, tags.manager(), separator,
-                                               options.tags, options.notes)
+    text << exportable(*reading)->inLineFormat(displayDateFormatter(), tagFormatter, tags.manager(),
+                                               separator, options.tags, options.notes)
          << '\n';
   }
   return text.str();
@@ -110,8 +109,10 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
 
 void addExportCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ExportOptions>();
-  auto* command = app.add_subcommand("export", "Write every reading, oldest first, as CSV or TSV for a spreadsheet");
-  command->add_option("--format", options->format, "csv (default) or tsv")->check(CLI::IsMember({"csv", "tsv"}));
+  auto* command =
+      app.add_subcommand("export", "Write every reading, oldest first, as CSV or TSV for a spreadsheet");
+  command->add_option("--format", options->format, "csv (default) or tsv")
+      ->check(CLI::IsMember({"csv", "tsv"}));
   command->add_flag("--tags", options->tags, "Add a column with the tag titles");
   command->add_flag("--notes", options->notes, "Add a column with the notes");
   command->add_option("--out,-o", options->out, "Write to this file instead of standard output");

@@ -1,7 +1,6 @@
 #include "library_log.hpp"
 
 #include <cardiolith/platform/logger.hpp>
-
 #include <iostream>
 #include <mutex>
 #include <vector>
@@ -20,7 +19,9 @@ LogState& state() {
   return instance;
 }
 
-bool startsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
+bool startsWith(std::string_view text, std::string_view prefix) {
+  return text.substr(0, prefix.size()) == prefix;
+}
 
 void handle(const LogRecord& record) {
   if (record.level == LogLevel::debug || record.level == LogLevel::info) return;

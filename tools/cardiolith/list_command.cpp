@@ -1,8 +1,7 @@
+#include <algorithm>
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
 #include <cardiolith/model/collection.hpp>
 #include <cardiolith/platform/date.hpp>
-
-#include <algorithm>
 #include <iostream>
 #include <limits>
 #include <memory>
@@ -79,8 +78,8 @@ void printTable(const ReadingList& readings, const TagList& tags) {
   for (const auto& reading : readings) {
     table.addRow({displayDateFormatter().string(reading->date()), std::to_string(reading->systolic()),
                   std::to_string(reading->diastolic()), std::to_string(reading->pulse()),
-                  std::string(categoryName(categoryOf(*reading))), joined(tags.titles(reading->tagIDs()), ", "),
-                  singleLine(reading->notes().value_or(""))});
+                  std::string(categoryName(categoryOf(*reading))),
+                  joined(tags.titles(reading->tagIDs()), ", "), singleLine(reading->notes().value_or(""))});
   }
   table.print(std::cout);
 }
@@ -110,9 +109,12 @@ void runList(const ListOptions& options, const GlobalOptions& global) {
 void addListCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ListOptions>();
   auto* command = app.add_subcommand("list", "Show the readings, newest first");
-  auto* from = command->add_option("--from", options->from, "First day (YYYY-MM-DD) or minute (\"YYYY-MM-DD HH:MM\")");
+  auto* from =
+      command->add_option("--from", options->from, "First day (YYYY-MM-DD) or minute (\"YYYY-MM-DD HH:MM\")");
   auto* to = command->add_option("--to", options->to, "Last day (included) or minute");
-  command->add_option("--last", options->last, "Only the last days or weeks: 7d, 2w")->excludes(from)->excludes(to);
+  command->add_option("--last", options->last, "Only the last days or weeks: 7d, 2w")
+      ->excludes(from)
+      ->excludes(to);
   command->add_flag("--json", options->json, "Write JSON for scripts instead of a table");
   command->callback([options, &global] { runList(*options, global); });
 }

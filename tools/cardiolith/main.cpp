@@ -1,9 +1,7 @@
 // cardiolith: keep a blood-pressure log from the command line.
 
-#include <cardiolith/platform/process_info.hpp>
-
 #include <CLI/CLI.hpp>
-
+#include <cardiolith/platform/process_info.hpp>
 #include <exception>
 #include <iostream>
 

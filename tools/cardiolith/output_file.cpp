@@ -12,7 +12,8 @@ void writeOutputFile(const std::filesystem::path& path, std::string_view text,
   for (const auto& dataFile : dataFiles) {
     std::error_code error;
     if (std::filesystem::equivalent(path, dataFile, error)) {
-      throw ToolError("won't write over " + dataFile.string() + ", which holds the log's data; choose another --out");
+      throw ToolError("won't write over " + dataFile.string() +
+                      ", which holds the log's data; choose another --out");
     }
   }
   std::ofstream file(path, std::ios::binary | std::ios::trunc);

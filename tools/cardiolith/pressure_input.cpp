@@ -19,7 +19,8 @@ std::vector<std::string_view> splitAtSlashes(std::string_view text) {
   std::vector<std::string_view> parts;
   for (std::size_t start = 0;;) {
     const auto slash = text.find('/', start);
-    parts.push_back(text.substr(start, slash == std::string_view::npos ? std::string_view::npos : slash - start));
+    parts.push_back(
+        text.substr(start, slash == std::string_view::npos ? std::string_view::npos : slash - start));
     if (slash == std::string_view::npos) return parts;
     start = slash + 1;
   }
@@ -50,10 +51,11 @@ PressureInput parsePressure(std::string_view text, bool allowPulse) {
   for (const auto part : parts) {
     if (const auto number = wholeNumber(part)) numbers.push_back(*number);
   }
-  const bool wellFormed = numbers.size() == parts.size() && (parts.size() == 2 || (allowPulse && parts.size() == 3));
+  const bool wellFormed =
+      numbers.size() == parts.size() && (parts.size() == 2 || (allowPulse && parts.size() == 3));
   if (!wellFormed) {
-    throw ToolError("\"" + std::string(text) + "\" is not a blood-pressure " + (allowPulse ? "reading" : "pair") +
-                    "; write systolic/diastolic in mmHg, " +
+    throw ToolError("\"" + std::string(text) + "\" is not a blood-pressure " +
+                    (allowPulse ? "reading" : "pair") + "; write systolic/diastolic in mmHg, " +
                     (allowPulse ? "e.g. 128/82, or 128/82/71 with the pulse" : "e.g. 128/82"));
   }
   PressureInput input{numbers[0], numbers[1], std::nullopt};

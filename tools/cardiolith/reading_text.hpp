@@ -2,7 +2,6 @@
 
 #include <cardiolith/model/reading.hpp>
 #include <cardiolith/platform/date_formatter.hpp>
-
 #include <string>
 #include <string_view>
 #include <vector>

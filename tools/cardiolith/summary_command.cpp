@@ -1,7 +1,6 @@
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <cardiolith/model/collection.hpp>
 #include <cardiolith/platform/date.hpp>
-
 #include <cmath>
 #include <cstdio>
 #include <iostream>
@@ -112,10 +111,11 @@ void printText(const ReadingsSummary& summary, const Period& period, std::size_t
   }
   using Average = ReadingsSummary::AverageReading;
   using Align = TextTable::Align;
-  TextTable table({{"Average"}, {"Systolic", Align::right}, {"Diastolic", Align::right}, {"Pulse", Align::right}});
+  TextTable table(
+      {{"Average"}, {"Systolic", Align::right}, {"Diastolic", Align::right}, {"Pulse", Align::right}});
   const auto addAverageRow = [&](std::string name, const std::optional<Average>& average) {
-    table.addRow({std::move(name), averageCell(average, &Average::systolic), averageCell(average, &Average::diastolic),
-                  averageCell(average, &Average::pulse)});
+    table.addRow({std::move(name), averageCell(average, &Average::systolic),
+                  averageCell(average, &Average::diastolic), averageCell(average, &Average::pulse)});
   };
   addAverageRow("This period", summary.currentPeriodAverage());
   addAverageRow("Period before", summary.previousPreviousAverage());
@@ -124,7 +124,8 @@ void printText(const ReadingsSummary& summary, const Period& period, std::size_t
   table.print(std::cout);
   if (!summary.previousPreviousAverage()) std::cout << "(no readings in the period before, so no change)\n";
   const auto category = *summary.currentPeriodAverageAnalysis();
-  std::cout << "\nCategory of the average: " << categoryName(category) << " (" << categoryRule(category) << ")\n";
+  std::cout << "\nCategory of the average: " << categoryName(category) << " (" << categoryRule(category)
+            << ")\n";
 }
 
 void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
@@ -148,9 +149,12 @@ void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
 
 void addSummaryCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<SummaryOptions>();
-  auto* command = app.add_subcommand("summary", "Average the readings of a period and compare with the period before");
-  auto* days = command->add_option("--days", options->days, "The last N days (default 7)")->check(CLI::Range(1, 100000));
-  auto* from = command->add_option("--from", options->from, "Start day (YYYY-MM-DD) or minute")->excludes(days);
+  auto* command =
+      app.add_subcommand("summary", "Average the readings of a period and compare with the period before");
+  auto* days = command->add_option("--days", options->days, "The last N days (default 7)")
+                   ->check(CLI::Range(1, 100000));
+  auto* from =
+      command->add_option("--from", options->from, "Start day (YYYY-MM-DD) or minute")->excludes(days);
   command->add_option("--to", options->to, "Last day (included) or minute; default now")->needs(from);
   command->add_flag("--json", options->json, "Write JSON for scripts");
   command->callback([options, &global] { runSummary(*options, global); });

@@ -54,7 +54,7 @@ struct Panel {
   std::string_view color;
   double top;
   double height;
-  double lowest;   // the value range the panel always shows, widened to fit the data
+  double lowest;  // the value range the panel always shows, widened to fit the data
   double highest;
   const Band* bands;
   std::size_t bandCount;
@@ -123,7 +123,9 @@ class TimeAxis {
   TimeAxis(Date start, Date end)
       : start_(start.timeIntervalSinceReferenceDate()),
         span_(std::max(1.0, end.timeIntervalSinceReferenceDate() - start_)) {}
-  double x(Date date) const { return plotLeft + (date.timeIntervalSinceReferenceDate() - start_) / span_ * plotWidth; }
+  double x(Date date) const {
+    return plotLeft + (date.timeIntervalSinceReferenceDate() - start_) / span_ * plotWidth;
+  }
   bool contains(Date date) const {
     const double offset = date.timeIntervalSinceReferenceDate() - start_;
     return offset >= 0 && offset <= span_;
@@ -164,7 +166,6 @@ class ValueAxis {
 
 std::string wholeNumber(double value) { return std::to_string(static_cast<long long>(std::lround(value))); }
 
-
 void drawBands(Canvas& canvas, const Panel& panel, const ValueAxis& axis) {
   for (std::size_t i = 0; i < panel.bandCount; ++i) {
     const Band& band = panel.bands[i];
@@ -184,20 +185,24 @@ void drawGrid(Canvas& canvas, const Panel& panel, const ValueAxis& values, const
     const double y = values.y(value);
     canvas.line(plotLeft, y, plotRight, y, "stroke=\"#ffffff\" stroke-opacity=\"0.9\" stroke-width=\"1\"");
     canvas.line(plotLeft - 5, y, plotLeft, y, "stroke=\"#6b7280\" stroke-width=\"1\"");
-    canvas.text(plotLeft - 9, y + 4, wholeNumber(value), "text-anchor=\"end\" font-size=\"12\" fill=\"#374151\"");
+    canvas.text(plotLeft - 9, y + 4, wholeNumber(value),
+                "text-anchor=\"end\" font-size=\"12\" fill=\"#374151\"");
   }
   for (const auto& tick : ticks) {
     if (!time.contains(tick.at)) continue;
     const double x = time.x(tick.at);
-    canvas.line(x, panel.top, x, panel.top + panel.height, "stroke=\"#9ca3af\" stroke-opacity=\"0.35\" stroke-width=\"1\"");
+    canvas.line(x, panel.top, x, panel.top + panel.height,
+                "stroke=\"#9ca3af\" stroke-opacity=\"0.35\" stroke-width=\"1\"");
   }
-  canvas.rect(plotLeft, panel.top, plotWidth, panel.height, "fill=\"none\" stroke=\"#6b7280\" stroke-width=\"1\"");
+  canvas.rect(plotLeft, panel.top, plotWidth, panel.height,
+              "fill=\"none\" stroke=\"#6b7280\" stroke-width=\"1\"");
 }
 
 void drawAverageLine(Canvas& canvas, const Panel& panel, const ValueAxis& values, double average) {
   const double y = values.y(average);
   canvas.line(plotLeft, y, plotRight, y,
-              attribute("stroke", panel.color) + " stroke-width=\"1.5\" stroke-dasharray=\"6 4\" stroke-opacity=\"0.8\"");
+              attribute("stroke", panel.color) +
+                  " stroke-width=\"1.5\" stroke-dasharray=\"6 4\" stroke-opacity=\"0.8\"");
 }
 
 // "Systolic (mmHg)" on the left, the average on the right: above the panel, where no point can hide it.
@@ -218,16 +223,18 @@ void drawSeries(Canvas& canvas, const Panel& panel, const ValueAxis& values, con
   const double radius = points.size() > 120 ? 2.0 : 3.8;
 
   std::vector<std::pair<double, double>> line;
-  for (const auto& point : points) line.emplace_back(time.x(point.date), values.y(static_cast<double>(point.*panel.field)));
-  canvas.polyline(line, attribute("stroke", panel.color) +
-                            " stroke-width=\"2.2\" fill=\"none\" stroke-linejoin=\"round\" stroke-linecap=\"round\"");
+  for (const auto& point : points)
+    line.emplace_back(time.x(point.date), values.y(static_cast<double>(point.*panel.field)));
+  canvas.polyline(
+      line, attribute("stroke", panel.color) +
+                " stroke-width=\"2.2\" fill=\"none\" stroke-linejoin=\"round\" stroke-linecap=\"round\"");
   for (const auto& [x, y] : line) {
     canvas.circle(x, y, radius, attribute("fill", panel.color) + " stroke=\"#ffffff\" stroke-width=\"1.2\"");
   }
 }
 
-void drawPanel(Canvas& canvas, const Panel& panel, const TimeAxis& time, const std::vector<ChartPoint>& points,
-               const std::vector<TimeTick>& ticks) {
+void drawPanel(Canvas& canvas, const Panel& panel, const TimeAxis& time,
+               const std::vector<ChartPoint>& points, const std::vector<TimeTick>& ticks) {
   const ValueAxis values(panel, points);
   std::optional<double> average;
   if (!points.empty()) {
@@ -260,7 +267,8 @@ void drawLegend(Canvas& canvas, std::string_view systolicColor, std::string_view
     canvas.text(x, y + 4, text, "font-size=\"12\" fill=\"#374151\"");
     x += static_cast<double>(text.size()) * characterWidth + 18;
   };
-  for (const auto& [name, color] : {std::pair{"Systolic", systolicColor}, std::pair{"Diastolic", diastolicColor}}) {
+  for (const auto& [name, color] :
+       {std::pair{"Systolic", systolicColor}, std::pair{"Diastolic", diastolicColor}}) {
     canvas.line(x, y, x + 22, y, attribute("stroke", color) + " stroke-width=\"2.2\"");
     canvas.circle(x + 11, y, 3.8, attribute("fill", color) + " stroke=\"#ffffff\" stroke-width=\"1.5\"");
     x += 28;
@@ -271,8 +279,8 @@ void drawLegend(Canvas& canvas, std::string_view systolicColor, std::string_view
   entryText("Average");
   x += 10;
   for (const auto& band : systolicBands) {
-    canvas.rect(x, y - 6, 12, 12, attribute("fill", band.fill) + " " + attribute("stroke", band.ink) +
-                                      " stroke-width=\"0.8\"");
+    canvas.rect(x, y - 6, 12, 12,
+                attribute("fill", band.fill) + " " + attribute("stroke", band.ink) + " stroke-width=\"0.8\"");
     x += 17;
     entryText(band.name);
   }
@@ -283,21 +291,36 @@ void drawLegend(Canvas& canvas, std::string_view systolicColor, std::string_view
 std::string renderChart(const ChartRequest& request) {
   constexpr std::string_view systolicColor = "#b4233c";
   constexpr std::string_view diastolicColor = "#1f4e9c";
-  const Panel systolic{"Systolic", systolicColor, systolicTop, systolicHeight, 80, 160,
-                       systolicBands, std::size(systolicBands), &ChartPoint::systolic};
-  const Panel diastolic{"Diastolic", diastolicColor, diastolicTop, diastolicHeight, 50, 100,
-                        diastolicBands, std::size(diastolicBands), &ChartPoint::diastolic};
+  const Panel systolic{"Systolic",
+                       systolicColor,
+                       systolicTop,
+                       systolicHeight,
+                       80,
+                       160,
+                       systolicBands,
+                       std::size(systolicBands),
+                       &ChartPoint::systolic};
+  const Panel diastolic{"Diastolic",
+                        diastolicColor,
+                        diastolicTop,
+                        diastolicHeight,
+                        50,
+                        100,
+                        diastolicBands,
+                        std::size(diastolicBands),
+                        &ChartPoint::diastolic};
 
   const TimeAxis time(request.start, request.end);
   std::vector<ChartPoint> points;
   std::copy_if(request.points.begin(), request.points.end(), std::back_inserter(points),
                [&](const ChartPoint& point) { return time.contains(point.date); });
-  std::stable_sort(points.begin(), points.end(), [](const auto& a, const auto& b) { return a.date < b.date; });
+  std::stable_sort(points.begin(), points.end(),
+                   [](const auto& a, const auto& b) { return a.date < b.date; });
 
   Canvas canvas;
-  canvas.raw() << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << pageWidth << "\" height=\"" << pageHeight
-               << "\" viewBox=\"0 0 " << pageWidth << ' ' << pageHeight << "\" font-family=\"" << fontFamily
-               << "\">\n";
+  canvas.raw() << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << pageWidth << "\" height=\""
+               << pageHeight << "\" viewBox=\"0 0 " << pageWidth << ' ' << pageHeight << "\" font-family=\""
+               << fontFamily << "\">\n";
   canvas.rect(0, 0, pageWidth, pageHeight, "fill=\"#ffffff\"");
   canvas.text(plotLeft, 36, request.title, "font-size=\"20\" font-weight=\"bold\" fill=\"#111827\"");
   canvas.text(plotLeft, 58, request.subtitle, "font-size=\"13\" fill=\"#4b5563\"");

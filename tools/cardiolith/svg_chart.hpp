@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cardiolith/platform/date.hpp>
-
 #include <cstdint>
 #include <string>
 #include <vector>

@@ -1,8 +1,7 @@
 #include "tag_list.hpp"
 
-#include <cardiolith/platform/text.hpp>
-
 #include <algorithm>
+#include <cardiolith/platform/text.hpp>
 #include <cctype>
 
 #include "library_log.hpp"

@@ -2,7 +2,6 @@
 
 #include <cardiolith/model/tag.hpp>
 #include <cardiolith/storage/tags_manager.hpp>
-
 #include <filesystem>
 #include <optional>
 #include <set>

@@ -1,7 +1,6 @@
+#include <algorithm>
 #include <cardiolith/platform/text.hpp>
 #include <cardiolith/platform/uuid.hpp>
-
-#include <algorithm>
 #include <cctype>
 #include <iostream>
 #include <memory>
@@ -26,8 +25,8 @@ struct TagsOptions {
 // Six hex digits, with or without a leading "#", kept in lower case without the mark like the default tags.
 std::string checkedColor(std::string color) {
   if (!color.empty() && color.front() == '#') color.erase(0, 1);
-  const bool hex = color.size() == 6 &&
-                   std::all_of(color.begin(), color.end(), [](unsigned char c) { return std::isxdigit(c) != 0; });
+  const bool hex = color.size() == 6 && std::all_of(color.begin(), color.end(),
+                                                    [](unsigned char c) { return std::isxdigit(c) != 0; });
   if (!hex) throw ToolError("--color: \"" + color + "\" is not a colour; write six hex digits, e.g. 34c759");
   std::transform(color.begin(), color.end(), color.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -35,7 +34,8 @@ std::string checkedColor(std::string color) {
 }
 
 std::string checkedTitle(const std::string& title) {
-  if (title.find_first_not_of(" \t") == std::string::npos) throw ToolError("a tag needs a title that isn't blank");
+  if (title.find_first_not_of(" \t") == std::string::npos)
+    throw ToolError("a tag needs a title that isn't blank");
   if (!text::isValidUTF8(title)) throw ToolError("the tag title is not valid UTF-8");
   return title;
 }

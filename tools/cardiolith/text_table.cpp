@@ -36,7 +36,8 @@ void TextTable::print(std::ostream& out) const {
   };
   printLine([&](std::size_t column) -> std::string_view { return columns_[column].heading; });
   printLine([&](std::size_t column) { return std::string(widths[column], '-'); });
-  for (const auto& row : rows_) printLine([&](std::size_t column) -> std::string_view { return row[column]; });
+  for (const auto& row : rows_)
+    printLine([&](std::size_t column) -> std::string_view { return row[column]; });
 }
 
 }  // namespace cardiolith::tool

@@ -5,11 +5,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "cardiolith/platform/uuid.hpp"
 #include "model/json_path.hpp"
+#include "model/json_tokens.hpp"
 
 namespace cardiolith::json_detail {
 
@@ -33,10 +35,8 @@ class JsonReader {
 
   // The unescaped text, valid as long as this reader.
   std::string_view string(ondemand::value& value, const JsonPath& path) {
-    std::string_view result;
-    if (const auto error = value.get_string().get(result)) [[unlikely]]
-      failValue(value, path, error, Expected::string);
-    return result;
+    if (const auto text = unescapedInPlace(value)) return *text;
+    return decodedString(value, path, Expected::string);
   }
 
   // A JSON integer in the signed 64-bit range; a fraction or an exponent fails, even 120.0.
@@ -57,10 +57,8 @@ class JsonReader {
 
   // A string in the 36-character 8-4-4-4-12 form, hex digits of either case.
   UUID uuid(ondemand::value& value, const JsonPath& path) {
-    std::string_view text;
-    if (const auto error = value.get_string().get(text)) [[unlikely]]
-      failValue(value, path, error, Expected::uuid);
-    const auto uuid = UUID::parse(text);
+    const auto text = unescapedInPlace(value);
+    const auto uuid = UUID::parse(text ? *text : decodedString(value, path, Expected::uuid));
     if (!uuid) [[unlikely]]
       failUUID(value, path);
     return *uuid;
@@ -145,6 +143,28 @@ class JsonReader {
       if (unescaped == keys[index]) return index;
     }
     return N;
+  }
+
+  // The content of a string value straight from the input, when it is a string and holds no escape
+  // sequence: then the input bytes are the text (the tokenizer has checked them for UTF-8 and control
+  // characters), so nothing is copied. The value is consumed as a raw string, so that the parser still
+  // checks what follows it.
+  static std::optional<std::string_view> unescapedInPlace(ondemand::value& value) noexcept {
+    std::string_view token = trimmedToken(value.raw_json_token());
+    if (token.size() < 2 || token.front() != '"' || token.back() != '"') return std::nullopt;
+    token = token.substr(1, token.size() - 2);
+    if (token.find('\\') != std::string_view::npos) return std::nullopt;
+    ondemand::raw_json_string raw;
+    if (value.get_raw_json_string().get(raw)) return std::nullopt;
+    return token;
+  }
+
+  // A string value unescaped by the parser, into its own buffer.
+  std::string_view decodedString(ondemand::value& value, const JsonPath& path, Expected expected) {
+    std::string_view result;
+    if (const auto error = value.get_string().get(result)) [[unlikely]]
+      failValue(value, path, error, expected);
+    return result;
   }
 
   static bool hasEscapes(const ondemand::raw_json_string& key) noexcept;

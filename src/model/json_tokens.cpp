@@ -41,11 +41,6 @@ NumberToken classifyNumberToken(std::string_view token) noexcept {
   return fractional ? NumberToken::fractional : NumberToken::integer;
 }
 
-std::string_view trimmedToken(std::string_view token) noexcept {
-  while (!token.empty() && isWhitespace(token.back())) token.remove_suffix(1);
-  return token;
-}
-
 std::string abbreviatedToken(std::string_view token) {
   constexpr std::size_t kLimit = 40;
   if (token.size() <= kLimit) return std::string(token);

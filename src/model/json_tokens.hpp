@@ -17,7 +17,13 @@ enum class NumberToken {
 NumberToken classifyNumberToken(std::string_view token) noexcept;
 
 // A token without the whitespace that follows it in the input.
-std::string_view trimmedToken(std::string_view token) noexcept;
+inline std::string_view trimmedToken(std::string_view token) noexcept {
+  while (!token.empty() &&
+         (token.back() == ' ' || token.back() == '\t' || token.back() == '\n' || token.back() == '\r')) {
+    token.remove_suffix(1);
+  }
+  return token;
+}
 
 // A token as shown in an error message: cut after 40 bytes (at a character boundary) with "...".
 std::string abbreviatedToken(std::string_view token);

@@ -213,6 +213,15 @@ INSTANTIATE_TEST_SUITE_P(
                 "invalid JSON at byte 82: Problem while parsing a number"},
         Failure{document(reading(R"(,"extra":{"\x":1})")),
                 "invalid JSON at byte 82: Problem while parsing a string"},
+        Failure{document(reading(R"(,"notes":"x":"y")")),
+                "invalid JSON at byte 84: The JSON document has an improper structure: missing or "
+                "superfluous commas, braces, missing keys, etc."},
+        Failure{document(reading(R"(,"extra":1:2)")),
+                "invalid JSON at byte 82: The JSON document has an improper structure: missing or "
+                "superfluous commas, braces, missing keys, etc."},
+        Failure{document(reading(R"(,"tagIDs":["0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F":1])")),
+                "invalid JSON at byte 121: The JSON document has an improper structure: missing or "
+                "superfluous commas, braces, missing keys, etc."},
         Failure{document(reading(R"(,"id":nul)")),
                 "invalid JSON at byte 78: malformed literal (true, false or null)"},
         Failure{document(reading(R"(,"extra":)" + std::string(2000, '[') + std::string(2000, ']'))),

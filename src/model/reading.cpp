@@ -31,15 +31,6 @@ Reading::Reading(DecodedTag, std::string id, Date date, std::int64_t systolic, s
       tagIDs_(std::move(tagIDs)),
       healthKitID_(healthKitID) {}
 
-std::shared_ptr<Reading> Reading::decoded(std::string id, Date date, std::int64_t systolic,
-                                          std::int64_t diastolic, std::int64_t pulse,
-                                          std::optional<std::string> notes,
-                                          std::optional<std::set<UUID>> tagIDs,
-                                          std::optional<HealthKitID> healthKitID) {
-  return std::make_shared<Reading>(DecodedTag{}, std::move(id), date, systolic, diastolic, pulse,
-                                   std::move(notes), std::move(tagIDs), healthKitID);
-}
-
 std::int64_t Reading::value(ValueType type) const {
   switch (type) {
     case ValueType::diastolic:

@@ -3,6 +3,7 @@
 #include "cardiolith/model/json.hpp"
 #include "model/json_reader.hpp"
 #include "model/json_writer.hpp"
+#include "model/reading_arena.hpp"
 
 namespace cardiolith::json {
 namespace {
@@ -99,7 +100,8 @@ std::set<UUID> readTagIDs(JsonReader& reader, ondemand::value& value, const Json
   return tagIDs;
 }
 
-std::shared_ptr<Reading> readReading(JsonReader& reader, ondemand::value& value, const JsonPath& path) {
+std::shared_ptr<Reading> readReading(JsonReader& reader, ReadingArena& arena, ondemand::value& value,
+                                     const JsonPath& path) {
   auto object = reader.object(value, path);
   std::string_view id;
   double date = 0;
@@ -147,7 +149,7 @@ std::shared_ptr<Reading> readReading(JsonReader& reader, ondemand::value& value,
   for (const ReadingMember member : kRequiredReadingMembers) {
     if ((found & (1u << member)) == 0) reader.failMissing(path.member(kReadingMembers[member]));
   }
-  return Reading::decoded(std::string(id), Date(date), systolic, diastolic, pulse,
+  return Reading::decoded(arena.allocator<Reading>(), std::string(id), Date(date), systolic, diastolic, pulse,
                           notes ? std::optional<std::string>(*notes) : std::nullopt, std::move(tagIDs),
                           healthKitID);
 }
@@ -176,11 +178,12 @@ Readings decode<Readings>(std::string_view text) {
   const JsonPath rootPath;
   const JsonPath readingsPath = rootPath.member(kDocumentMembers[0]);
   std::optional<ReadingList> readings;
+  ReadingArena arena;
   reader.forEachMember(root, kDocumentMembers, [&](std::size_t, ondemand::value& value) {
     auto array = reader.array(value, readingsPath);
     ReadingList list;
     reader.forEachElement(array, [&](std::size_t index, ondemand::value& element) {
-      list.push_back(readReading(reader, element, readingsPath.element(index)));
+      list.push_back(readReading(reader, arena, element, readingsPath.element(index)));
     });
     readings = std::move(list);
   });

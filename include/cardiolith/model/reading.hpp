@@ -9,6 +9,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cardiolith/platform/date.hpp"
@@ -53,8 +54,24 @@ class Reading : public ObservableObject {
   // Builds a decoded reading: unlike the constructor above, keeps empty notes as empty text.
   static std::shared_ptr<Reading> decoded(std::string id, Date date, std::int64_t systolic,
                                           std::int64_t diastolic, std::int64_t pulse,
-                                          std::optional<std::string> notes, std::optional<std::set<UUID>> tagIDs,
-                                          std::optional<HealthKitID> healthKitID);
+                                          std::optional<std::string> notes,
+                                          std::optional<std::set<UUID>> tagIDs,
+                                          std::optional<HealthKitID> healthKitID) {
+    return decoded(std::allocator<Reading>(), std::move(id), date, systolic, diastolic, pulse,
+                   std::move(notes), std::move(tagIDs), healthKitID);
+  }
+
+  // The same, with the record and its control block in memory from `allocator` (std::allocate_shared), so
+  // that a decoder can place a document's readings side by side.
+  template <class Allocator>
+  static std::shared_ptr<Reading> decoded(const Allocator& allocator, std::string id, Date date,
+                                          std::int64_t systolic, std::int64_t diastolic, std::int64_t pulse,
+                                          std::optional<std::string> notes,
+                                          std::optional<std::set<UUID>> tagIDs,
+                                          std::optional<HealthKitID> healthKitID) {
+    return std::allocate_shared<Reading>(allocator, DecodedTag{}, std::move(id), date, systolic, diastolic,
+                                         pulse, std::move(notes), std::move(tagIDs), healthKitID);
+  }
 
   const std::string& id() const { return id_; }
   Date date() const { return date_; }
@@ -89,7 +106,7 @@ class Reading : public ObservableObject {
                            bool includeNotes) const;
 
  private:
-  // Only `decoded` can make one, so the constructor below is public for std::make_shared alone.
+  // Only `decoded` can make one, so the constructor below is public for std::allocate_shared alone.
   struct DecodedTag {
     explicit DecodedTag() = default;
   };

@@ -40,8 +40,7 @@ Date localMidnight(std::tm parts) {
   return Date::fromTimeIntervalSince1970(static_cast<double>(std::mktime(&parts)));
 }
 
-// The first of the smallest step (in days, or months for long periods) that puts at most ten marks under
-// the chart.
+// The smallest of the steps (days, or months for long periods) that puts at most ten marks under the chart.
 template <std::size_t size>
 int spacingFor(double count, const int (&steps)[size]) {
   for (const int step : steps) {

@@ -1,5 +1,7 @@
 #include "model/json_reader.hpp"
 
+#include <new>
+
 #include "cardiolith/model/json.hpp"
 #include "model/json_tokens.hpp"
 
@@ -27,6 +29,7 @@ std::string_view describe(ondemand::json_type type) {
 }  // namespace
 
 JsonReader::JsonReader(std::string_view text) : buffer_(text) {
+  if (buffer_.data() == nullptr) throw std::bad_alloc();  // padded_string reports no other way
   if (const auto error = parser_.iterate(buffer_).get(document_)) {
     if (const auto lexical = findLexicalError(text)) failAt(lexical->offset, lexical->reason);
     throw DecodingError(std::string("cannot read JSON: ") + simdjson::error_message(error));

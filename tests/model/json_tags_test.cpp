@@ -28,18 +28,14 @@ TEST(TagsJsonTest, WritesTheThreeMembersInOrder) {
             R"({"id":"00000000-0000-4000-8000-0000000000FF","title":"b","colorHex":"c"}])");
 }
 
-TEST(TagsJsonTest, RoundTripsTagsAndLists) {
+TEST(TagsJsonTest, RoundTripsAndReadsOtherWritersForms) {
   const std::vector<Tag> tags{
       {kID, "", ""}, {kOtherID, "Caf\u00e9 \"quoted\"\n", "ff3b30"}, {kID, "dup", "x"}};
   EXPECT_EQ(json::decode<std::vector<Tag>>(json::encode(tags)), tags);
   EXPECT_EQ(json::decode<Tag>(json::encode(tags[1])), tags[1]);
-  EXPECT_TRUE(json::decode<std::vector<Tag>>(" [ ] ").empty());
-}
-
-TEST(TagsJsonTest, IgnoresUnknownMembersAndAcceptsLowerCaseIDs) {
-  const Tag tag = json::decode<Tag>(
-      R"({"colorHex":"34c759","extra":{"a":[null]},"title":"Run","id":"6e3b1c2a-9f4d-4a8b-b7c6-d5e4f3a2b1c0"})");
-  EXPECT_EQ(tag, (Tag{kID, "Run", "34c759"}));
+  EXPECT_EQ(json::decode<Tag>(R"({"colorHex":"34c759","extra":[null],"title":"Run",)"
+                              R"("id":"6e3b1c2a-9f4d-4a8b-b7c6-d5e4f3a2b1c0"})"),
+            (Tag{kID, "Run", "34c759"}));
 }
 
 TEST(TagsJsonTest, FailsWithAMessageNamingTheFault) {
@@ -47,8 +43,6 @@ TEST(TagsJsonTest, FailsWithAMessageNamingTheFault) {
   EXPECT_EQ(decodingError(decodeTag, "{" + id + R"(,"title":"a"})"), "colorHex: missing");
   EXPECT_EQ(decodingError(decodeTag, "{" + id + R"(,"title":null,"colorHex":"a"})"),
             "title: expected a string, found null");
-  EXPECT_EQ(decodingError(decodeTag, R"({"id":null,"title":"a","colorHex":"b"})"),
-            "id: expected a UUID string, found null");
   EXPECT_EQ(decodingError(decodeTag, R"({"id":"6E3B1C2A","title":"a","colorHex":"b"})"),
             R"(id: "6E3B1C2A" is not a UUID)");
   EXPECT_EQ(decodingError(decodeTag, "[]"), "document: expected an object, found an array");
@@ -60,8 +54,6 @@ TEST(TagsJsonTest, FailsWithAMessageNamingTheFault) {
             "[1].id: missing");
   EXPECT_EQ(decodingError(decodeTags, "[] x"),
             "invalid JSON at byte 3: the document must end with the ']' that closes its top-level array");
-  EXPECT_EQ(decodingError(decodeTags, "[] []"),
-            "invalid JSON at byte 3: unexpected content after the top-level value");
   EXPECT_EQ(decodingError(decodeTags, "[]]"),
             "invalid JSON at byte 2: unexpected content after the top-level value");
 }

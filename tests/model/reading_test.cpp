@@ -35,24 +35,6 @@ TEST(ReadingTest, ConstructorStoresEmptyNotesAsAbsentAndKeepsEverythingElse) {
   EXPECT_EQ(fields.make().notes(), " ");
 }
 
-TEST(ReadingTest, DecodedKeepsEmptyNotes) {
-  const auto reading = Reading::decoded("x", Date(1), 1, 2, 3, "", std::nullopt, std::nullopt);
-  EXPECT_EQ(reading->notes(), "");
-  EXPECT_FALSE(reading->tagIDs().has_value());
-  EXPECT_FALSE(reading->healthKitID().has_value());
-}
-
-TEST(ReadingTest, ValueSelectsTheNamedField) {
-  Fields fields;
-  fields.systolic = 131;
-  fields.diastolic = 87;
-  fields.pulse = 64;
-  const Reading reading = fields.make();
-  EXPECT_EQ(reading.value(Reading::ValueType::systolic), 131);
-  EXPECT_EQ(reading.value(Reading::ValueType::diastolic), 87);
-  EXPECT_EQ(reading.value(Reading::ValueType::pulse), 64);
-}
-
 TEST(ReadingTest, MeanArterialPressureTruncatesTowardZero) {
   struct Case {
     std::int64_t systolic, diastolic, expected;
@@ -96,9 +78,10 @@ TEST(ReadingTest, EqualityIgnoresTagsOnly) {
   }
 }
 
-TEST(ReadingTest, AbsentNotesDifferFromEmptyNotes) {
-  const auto absent = Reading::decoded("x", Date(1), 1, 2, 3, std::nullopt, std::nullopt, std::nullopt);
+TEST(ReadingTest, DecodedReadingsKeepEmptyNotesWhichDifferFromAbsentOnes) {
   const auto empty = Reading::decoded("x", Date(1), 1, 2, 3, "", std::nullopt, std::nullopt);
+  const auto absent = Reading::decoded("x", Date(1), 1, 2, 3, std::nullopt, std::nullopt, std::nullopt);
+  EXPECT_EQ(empty->notes(), "");
   EXPECT_FALSE(*absent == *empty);
 }
 

@@ -157,11 +157,16 @@ std::shared_ptr<Reading> readReading(JsonReader& reader, ReadingArena& arena, on
 }  // namespace
 
 std::string encode(const Readings& readings) {
-  std::size_t size = sizeof(R"({"readings":[]})");
-  for (const auto& reading : readings.readings) size += expectedSize(*reading);
-  JsonWriter writer(size);
   const JsonPath root;
   const JsonPath readingsPath = root.member(kDocumentMembers[0]);
+  std::size_t size = sizeof(R"({"readings":[]})");
+  for (std::size_t index = 0; index < readings.readings.size(); ++index) {
+    const auto& reading = readings.readings[index];
+    if (!reading)
+      throw EncodingError(readingsPath.element(index).toString() + ": a null pointer, not a reading");
+    size += expectedSize(*reading);
+  }
+  JsonWriter writer(size);
   writer.raw(R"({"readings":[)");
   for (std::size_t index = 0; index < readings.readings.size(); ++index) {
     if (index > 0) writer.raw(",");

@@ -76,6 +76,8 @@ TEST(JsonTextTest, RefusesToWriteWhatWouldNotReadBack) {
             "readings[0].date: inf is not a finite number");
   EXPECT_EQ(encodingError(documentWith(1, "x", -kInfinity, {})),
             "readings[1].date: -inf is not a finite number");
+  EXPECT_EQ(encodingError(Readings{{documentWith(0, "x", 1, {}).readings[0], nullptr}}),
+            "readings[1]: a null pointer, not a reading");
 
   const std::pair<std::string, std::size_t> invalidTexts[] = {
       {"abc\xff", 3}, {"hello\xC3(", 5}, {"\xC3\xA9\xED\xA0\x80", 2} /* a surrogate */, {"ab\xE2\x82", 2}};

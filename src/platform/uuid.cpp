@@ -9,12 +9,19 @@ constexpr char kHexDigits[] = "0123456789ABCDEF";
 // Offsets of the hyphens in the 36-character text form.
 constexpr bool isHyphenPosition(std::size_t i) { return i == 8 || i == 13 || i == 18 || i == 23; }
 
-int hexValue(char c) noexcept {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
+// The value of each byte as a hex digit, or -1. A table: parsing sits on the document decoder's hot path.
+constexpr auto kHexValues = [] {
+  std::array<std::int8_t, 256> values{};
+  values.fill(-1);
+  for (int digit = 0; digit < 10; ++digit) values['0' + digit] = static_cast<std::int8_t>(digit);
+  for (int letter = 0; letter < 6; ++letter) {
+    values['a' + letter] = static_cast<std::int8_t>(10 + letter);
+    values['A' + letter] = static_cast<std::int8_t>(10 + letter);
+  }
+  return values;
+}();
+
+int hexValue(char c) noexcept { return kHexValues[static_cast<unsigned char>(c)]; }
 
 }  // namespace
 

@@ -45,10 +45,12 @@ void TagsInsert(benchmark::State& state) {
     editions[1].push_back(tag(i, ""));
   }
   std::size_t next = 0;
+  const AllocationTally allocations;
   for (auto _ : state) {
     manager.insert(editions[(next / kListSize) % 2][next % kListSize]);
     ++next;
   }
+  allocations.reportPerItem(state, "allocs_per_call", 1);
   manager.waitForPendingSaves();
   reportThroughput(state, 1);
 }

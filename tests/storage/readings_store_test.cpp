@@ -1,170 +1,153 @@
 #include "cardiolith/storage/readings_store.hpp"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include <algorithm>
+#include <atomic>
 #include <cmath>
-#include <limits>
+#include <future>
+#include <tuple>
 
+#include "storage/tags_store.hpp"
 #include "storage_test_support.hpp"
 
 namespace cardiolith::testing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-class ReadingsStoreTest : public StorageTest {
- protected:
-  fs::path sharedFile() const { return container() / "readings"; }
-  fs::path legacyFile() const { return documents() / "readings"; }
-};
+using ReadingsStoreTest = StorageTest;
 
-TEST_F(ReadingsStoreTest, FirstLaunchReportsTheMissingFileAndTheFirstSaveCreatesTheSharedFile) {
-  ReadingsStore store(locations());
-  EXPECT_THAT(logs(), IsEmpty());
-  EXPECT_TRUE(analytics_->failures().empty());
-  EXPECT_EQ(store.localDataPath(), sharedFile());
-  EXPECT_FALSE(fs::exists(sharedFile()));
-
-  EXPECT_TRUE(store.load().get().readings.empty());
-  const auto errors = messages(LogLevel::error);
-  ASSERT_EQ(errors.size(), 1U);
-  EXPECT_THAT(errors[0], StartsWith("Unable to load readings: "));
-  EXPECT_THAT(errors[0], HasSubstr("No such file or directory"));
-  EXPECT_FALSE(fs::exists(sharedFile()));  // a load never writes
-
-  store.save(sampleReadings(1)).get();
-  EXPECT_EQ(fileContent(sharedFile()), json::encode(sampleReadings(1)));
-}
-
-TEST_F(ReadingsStoreTest, SavedReadingsLoadBackEqualAndTheFileIsExactlyTheEncodedDocument) {
+// The first launch loads nothing, logged, and writes nothing; every save then replaces the whole file,
+// a shorter document included, and loads back equal.
+TEST_F(ReadingsStoreTest, SavedDocumentsLoadBackWholeInBothWriteModes) {
   for (const bool durable : {false, true}) {
     SCOPED_TRACE(durable ? "durable" : "plain");
+    fs::remove(readingsFile());
+    clearLogs();
     ReadingsStore store(locations(), StorageOptions{.durable = durable});
-    for (const int count : {0, 1, 25}) {
-      const auto saved = sampleReadings(count, count);
-      store.save(saved).get();
-      EXPECT_EQ(fileContent(sharedFile()), json::encode(saved));
-      EXPECT_TRUE(sameReadings(store.load().get(), saved));
+    EXPECT_TRUE(store.load().get().readings.empty());
+    EXPECT_TRUE(store.loadExisting().get().readings.empty());  // silently: only a missing file is empty
+    EXPECT_THAT(logs(), ElementsAre(AllOf(StartsWith("error: Unable to load readings: "),
+                                          HasSubstr("No such file or directory"))));
+    EXPECT_FALSE(fs::exists(readingsFile()));
+    for (const int count : {25, 1}) {
+      store.save(sampleReadings(count, count)).get();
+      EXPECT_EQ(readWholeFile(readingsFile()), json::encode(sampleReadings(count, count)));
+      EXPECT_EQ(json::encode(store.load().get()), json::encode(sampleReadings(count, count)));
     }
-    EXPECT_THAT(messages(LogLevel::error), IsEmpty());
+    // A document that can't be encoded is refused before the file is touched.
+    Readings unencodable = sampleReadings(2);
+    unencodable.readings[0] =
+        std::make_shared<Reading>("nan", Date(NAN), 1, 2, 3, "", std::nullopt, std::nullopt);
+    EXPECT_THROW(store.save(unencodable).get(), EncodingError);
+    EXPECT_EQ(readWholeFile(readingsFile()), json::encode(sampleReadings(1, 1)));
+    EXPECT_EQ(logs().size(), 1U);
   }
 }
 
-TEST_F(ReadingsStoreTest, MalformedFileLoadsAsEmptyWithAnErrorAndIsLeftUntilTheNextSave) {
-  writeFile(sharedFile(), R"({"readings":[{"id":"x"}]})");
-  ReadingsStore store(locations());
-  EXPECT_TRUE(store.load().get().readings.empty());
-  const auto errors = messages(LogLevel::error);
-  ASSERT_EQ(errors.size(), 1U);
-  EXPECT_THAT(errors[0], StartsWith("Unable to load readings: "));
-  EXPECT_THAT(errors[0], HasSubstr("readings[0]"));  // the decoder's description names the member
-  EXPECT_EQ(fileContent(sharedFile()), R"({"readings":[{"id":"x"}]})");
+// An old installation's file moves into the shared container; then only the exact, whole launch argument
+// "DELETE_ALL_RECORDS", wherever it stands, deletes it, and nothing else.
+TEST_F(ReadingsStoreTest, OldFileMovesIntoTheContainerAndOnlyTheExactArgumentDeletesIt) {
+  writeWholeFile(tagsFile(), "[]");
+  for (const std::string argument :
+       {"DELETE_ALL_RECORDS", "-DELETE_ALL_RECORDS", "delete_all_records", "Delete_All_Records",
+        "DELETE_ALL_RECORDS ", " DELETE_ALL_RECORDS", "DELETE_ALL_RECORDSX", "DELETE_ALL_RECORDS=1",
+        "DELETE_ALL", "--DELETE_ALL_RECORDS"}) {
+    SCOPED_TRACE(argument);
+    fs::remove(readingsFile());
+    writeWholeFile(documents() / "readings", json::encode(sampleReadings(7)));
+    clearLogs();
+    ProcessInfo::setArguments({"app", "-flag", argument});
+    ReadingsStore store(locations());
 
-  store.save(sampleReadings(2)).get();
-  EXPECT_TRUE(sameReadings(store.load().get(), sampleReadings(2)));
-}
-
-TEST_F(ReadingsStoreTest, EncodingFailureIsThrownAndLeavesTheFileUntouched) {
-  ReadingsStore store(locations());
-  store.save(sampleReadings(1)).get();
-  Readings unencodable = sampleReadings(2);
-  unencodable.readings.push_back(
-      std::make_shared<Reading>("nan", Date(std::numeric_limits<double>::quiet_NaN()), 120, 80, 60,
-                                std::nullopt, std::nullopt, std::nullopt));
-  EXPECT_THROW(store.save(unencodable).get(), EncodingError);
-  EXPECT_EQ(fileContent(sharedFile()), json::encode(sampleReadings(1)));
-  EXPECT_THAT(logs(), IsEmpty());  // reporting a failed save is the caller's business
-}
-
-TEST_F(ReadingsStoreTest, LoadExistingTreatsOnlyAMissingFileAsEmpty) {
-  ReadingsStore store(locations());
-  EXPECT_TRUE(store.loadExisting().get().readings.empty());
-  writeFile(sharedFile(), "{\"readings\":");
-  EXPECT_THROW(store.loadExisting().get(), DecodingError);
-  store.save(sampleReadings(4)).get();
-  EXPECT_TRUE(sameReadings(store.loadExisting().get(), sampleReadings(4)));
-  EXPECT_THAT(logs(), IsEmpty());
-}
-
-TEST_F(ReadingsStoreTest, OldFileMovesIntoTheSharedContainer) {
-  writeFile(legacyFile(), json::encode(sampleReadings(7)));
-  ReadingsStore store(locations());
-
-  EXPECT_EQ(store.localDataPath(), sharedFile());
-  EXPECT_FALSE(fs::exists(legacyFile()));
-  EXPECT_EQ(fileContent(sharedFile()), json::encode(sampleReadings(7)));
-  EXPECT_THAT(logs(), ElementsAre(CapturedLog{LogLevel::debug, "Data migrated to shared group"}));
-  EXPECT_TRUE(analytics_->failures().empty());
-  EXPECT_TRUE(sameReadings(store.load().get(), sampleReadings(7)));
+    EXPECT_EQ(store.localDataPath(), readingsFile());
+    EXPECT_FALSE(fs::exists(documents() / "readings"));
+    EXPECT_THAT(logs(), ElementsAre("debug: Data migrated to shared group"));
+    if (argument == "DELETE_ALL_RECORDS") {
+      EXPECT_FALSE(fs::exists(readingsFile()));
+    } else {
+      EXPECT_EQ(json::encode(store.load().get()), json::encode(sampleReadings(7)));
+    }
+  }
+  EXPECT_EQ(readWholeFile(tagsFile()), "[]");
+  EXPECT_THAT(analytics_->failures, ::testing::IsEmpty());
 }
 
 TEST_F(ReadingsStoreTest, FailedMoveIsReportedAndTheStoreKeepsWorkingOnTheOldFile) {
-  writeFile(legacyFile(), json::encode(sampleReadings(1)));
-  writeFile(sharedFile(), json::encode(sampleReadings(2)));
+  const fs::path legacyFile = documents() / "readings";
+  writeWholeFile(legacyFile, json::encode(sampleReadings(1)));
+  writeWholeFile(readingsFile(), json::encode(sampleReadings(2)));
   ReadingsStore store(locations());
 
-  const auto failures = analytics_->failures();
-  ASSERT_EQ(failures.size(), 1U);
-  ASSERT_TRUE(failures[0].message.has_value());
-  EXPECT_THAT(*failures[0].message, StartsWith("Failed to migrate data with error: "));
-  EXPECT_THAT(*failures[0].message, HasSubstr("File exists"));
-  EXPECT_THAT(*failures[0].message, HasSubstr(legacyFile().string()));
-  EXPECT_THAT(*failures[0].message, HasSubstr(sharedFile().string()));
-  EXPECT_EQ(failures[0].function, "init()");
-  EXPECT_THAT(failures[0].file, ::testing::EndsWith("readings_store.cpp"));
-  EXPECT_GT(failures[0].line, 0);
-  EXPECT_THAT(logs(), IsEmpty());
-
-  EXPECT_EQ(store.localDataPath(), legacyFile());
-  EXPECT_TRUE(sameReadings(store.load().get(), sampleReadings(1)));
+  EXPECT_THAT(analytics_->failures,
+              ElementsAre(AllOf(StartsWith("readings_store.cpp init(): Failed to migrate data with error: "),
+                                HasSubstr("File exists"), HasSubstr(legacyFile.string()),
+                                HasSubstr(readingsFile().string()))));
+  EXPECT_THAT(logs(), ::testing::IsEmpty());
+  EXPECT_EQ(store.localDataPath(), legacyFile);
+  EXPECT_EQ(json::encode(store.load().get()), json::encode(sampleReadings(1)));
   store.save(sampleReadings(3)).get();
-  EXPECT_EQ(fileContent(legacyFile()), json::encode(sampleReadings(3)));
-  EXPECT_EQ(fileContent(sharedFile()), json::encode(sampleReadings(2)));  // never read, never replaced
+  EXPECT_EQ(readWholeFile(legacyFile), json::encode(sampleReadings(3)));
+  EXPECT_EQ(readWholeFile(readingsFile()), json::encode(sampleReadings(2)));  // never read, never replaced
 }
 
-TEST_F(ReadingsStoreTest, DeleteAllRecordsRemovesTheMigratedFileAndNothingElse) {
-  writeFile(legacyFile(), json::encode(sampleReadings(1)));
-  writeFile(container() / "tags", "[]");
-  ProcessInfo::setArguments({"app", "-flag", "DELETE_ALL_RECORDS"});
-  ReadingsStore store(locations());
+class ReadingsStoreConcurrencyTest : public StorageTest {};
 
-  EXPECT_FALSE(fs::exists(legacyFile()));
-  EXPECT_FALSE(fs::exists(sharedFile()));
-  EXPECT_EQ(fileContent(container() / "tags"), "[]");
-  EXPECT_THAT(messages(LogLevel::debug), ElementsAre("Data migrated to shared group"));
-  EXPECT_TRUE(store.load().get().readings.empty());
-}
+// A thousand saves and loads from four threads, spread over stores that share one file: every load, and a
+// fresh store's afterwards, sees one whole saved document. Separate stores share the file without a lock;
+// durable writes replace it whole, so neither ever sees a document half written by the other.
+TEST_F(ReadingsStoreConcurrencyTest, LoadsOnlyEverSeeWholeSavedDocuments) {
+  const auto document = [](int generation) { return sampleReadings(generation, 4 + generation); };
+  std::vector<std::string> saved;
+  for (int generation = 0; generation < 8; ++generation) saved.push_back(json::encode(document(generation)));
+  const auto isSaved = [&](const Readings& loaded) {
+    return std::ranges::count(saved, json::encode(loaded)) == 1;
+  };
 
-TEST_F(ReadingsStoreTest, DeleteAllRecordsWithNoFileReportsNothing) {
-  ProcessInfo::setArguments({"app", "DELETE_ALL_RECORDS"});
-  ReadingsStore store(locations());
-  EXPECT_THAT(logs(), IsEmpty());
-  EXPECT_TRUE(analytics_->failures().empty());
-}
+  for (const auto& [name, durable, storeCount] : {std::tuple{"one plain store", false, 1},
+                                                  {"one durable store", true, 1},
+                                                  {"two durable stores", true, 2}}) {
+    SCOPED_TRACE(name);
+    std::vector<std::unique_ptr<ReadingsStore>> stores;
+    for (int i = 0; i < storeCount; ++i)
+      stores.push_back(std::make_unique<ReadingsStore>(locations(), StorageOptions{.durable = durable}));
+    stores[0]->save(document(0)).get();
 
-TEST_F(ReadingsStoreTest, OnlyTheExactWholeArgumentDeletes) {
-  for (const char* nearMiss : {"-DELETE_ALL_RECORDS", "delete_all_records", "Delete_All_Records",
-                               "DELETE_ALL_RECORDS ", " DELETE_ALL_RECORDS", "DELETE_ALL_RECORDSX",
-                               "DELETE_ALL_RECORDS=1", "DELETE_ALL", "--DELETE_ALL_RECORDS"}) {
-    SCOPED_TRACE(nearMiss);
-    writeFile(sharedFile(), json::encode(sampleReadings(1)));
-    ProcessInfo::setArguments({"app", nearMiss});
-    ReadingsStore store(locations());
-    EXPECT_TRUE(sameReadings(store.load().get(), sampleReadings(1)));
+    std::atomic<int> tornLoads{0};
+    std::vector<std::thread> workers;
+    for (int t = 0; t < 4; ++t) {
+      workers.emplace_back([&, t] {
+        std::vector<std::future<void>> saves;
+        std::vector<std::future<Readings>> loads;
+        for (int call = 0; call < 250; ++call) {
+          ReadingsStore& store = *stores[(t + call) % stores.size()];
+          if (call % 2 == 0) saves.push_back(store.save(document((t * 250 + call) % 8)));
+          if (call % 2 == 1) loads.push_back(store.load());
+        }
+        for (auto& save : saves) save.get();
+        for (auto& load : loads) tornLoads += isSaved(load.get()) ? 0 : 1;
+      });
+    }
+    for (auto& worker : workers) worker.join();
+
+    EXPECT_EQ(tornLoads.load(), 0);
+    EXPECT_TRUE(isSaved(ReadingsStore(locations(), StorageOptions{.durable = durable}).loadExisting().get()));
+    EXPECT_THAT(logs(), ::testing::IsEmpty());
+    EXPECT_THAT(namesStartingWith(container(), "."), ::testing::IsEmpty());  // no temporary file left
   }
 }
 
-using ReadingsStoreDeathTest = ReadingsStoreTest;
+using ReadingsStoreDeathTest = StorageTest;
 
 TEST_F(ReadingsStoreDeathTest, MissingFoldersStopTheProcess) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(ReadingsStore(StorageLocations{std::nullopt, {documents()}}),
                "Can't find documents directory");
   EXPECT_DEATH(ReadingsStore(StorageLocations{container(), {}}), "Can't find documents directory");
+  EXPECT_DEATH(detail::TagsStore(StorageLocations{std::nullopt, {documents()}}),
+               "Can't find documents directory");
 }
 
 }  // namespace

@@ -1,249 +1,199 @@
 #include "cardiolith/storage/tags_manager.hpp"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <atomic>
 #include <fstream>
+#include <sstream>
 
 #include "cardiolith/platform/list_formatter.hpp"
-#include "storage/tags_store.hpp"
+#include "cardiolith/platform/text.hpp"
+#include "platform/random.hpp"
 #include "storage_test_support.hpp"
 
 namespace cardiolith::testing {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
+UUID idNumber(int n) { return UUID(UUID::Bytes{static_cast<std::uint8_t>(n)}); }
 
-UUID idNumber(int n) {
-  char text[37];
-  std::snprintf(text, sizeof text, "00000000-0000-4000-8000-%012d", n);
-  return *UUID::parse(text);
+// Every id that the tests use, for checking the index.
+const std::vector<UUID> ids = [] {
+  std::vector<UUID> all;
+  for (int n = 1; n <= 24; ++n) all.push_back(idNumber(n));
+  return all;
+}();
+
+// "3:Cherry,1:Apple": tags with those id numbers and titles, in that order; "" is no tags.
+std::vector<Tag> tagsFrom(const std::string& text) {
+  std::vector<Tag> tags;
+  std::istringstream items(text);
+  for (std::string item; std::getline(items, item, ',');) {
+    const auto colon = item.find(':');
+    tags.push_back(Tag{idNumber(std::stoi(item.substr(0, colon))), item.substr(colon + 1), "00ff00"});
+  }
+  return tags;
 }
 
-Tag makeTag(int n, std::string title) { return Tag{idNumber(n), std::move(title), "00ff00"}; }
+// Makes changes such as "insert 3:Cherry delete 1:Apple"; returns how many steps observers should hear of.
+std::size_t change(TagsManager& manager, const std::string& changes) {
+  std::size_t steps = 0;
+  std::istringstream words(changes);
+  for (std::string operation, tag; words >> operation >> tag;) {
+    if (operation == "insert") manager.insert(tagsFrom(tag)[0]);
+    if (operation == "update") manager.update(tagsFrom(tag)[0]);
+    if (operation == "delete") manager.deleteTag(tagsFrom(tag)[0]);
+    steps += operation == "delete" ? 1 : 3;  // remove; or remove, append and sort
+  }
+  return steps;
+}
 
-std::vector<std::string> titlesOf(const std::vector<Tag>& tags) {
-  std::vector<std::string> titles;
-  for (const auto& tag : tags) titles.push_back(tag.title);
-  return titles;
+// tag(id) of every id gives the last tag in list order with that id, or nothing when none has it.
+::testing::AssertionResult indexAgreesWithList(const TagsManager& manager) {
+  const auto tags = manager.tags();
+  for (const auto& id : ids) {
+    const auto last = std::find_if(tags.rbegin(), tags.rend(), [&](const Tag& tag) { return tag.id == id; });
+    if (manager.tag(id) != (last == tags.rend() ? std::nullopt : std::optional(*last)))
+      return ::testing::AssertionFailure() << id.uuidString() << " resolves wrongly";
+  }
+  return ::testing::AssertionSuccess();
 }
 
 class TagsManagerTest : public StorageTest {
  protected:
-  fs::path tagsFile() const { return container() / "tags"; }
-  void storeTags(const std::vector<Tag>& tags) const { writeFile(tagsFile(), json::encode(tags)); }
-  std::vector<Tag> savedTags() const { return json::decode<std::vector<Tag>>(fileContent(tagsFile())); }
-
-  // A loaded manager over the stored tags.
-  std::unique_ptr<TagsManager> managerWith(const std::vector<Tag>& stored) {
-    storeTags(stored);
+  std::unique_ptr<TagsManager> loadedManager(const std::string& stored) {
+    writeWholeFile(tagsFile(), json::encode(tagsFrom(stored)));
     auto manager = std::make_unique<TagsManager>(locations());
     manager->waitUntilLoaded();
     return manager;
   }
-
-  // After the pending saves, the file holds exactly the in-memory list.
-  void expectFileMatches(const TagsManager& manager) const {
-    manager.waitForPendingSaves();
-    EXPECT_EQ(savedTags(), manager.tags());
-  }
+  std::vector<Tag> savedTags() const { return json::decode<std::vector<Tag>>(readWholeFile(tagsFile())); }
 };
 
-TEST_F(TagsManagerTest, LoadsTheStoredListInFileOrderOrTheDefaults) {
-  const std::vector<Tag> stored{makeTag(2, "Zulu"), makeTag(1, "Alpha")};
-  EXPECT_EQ(managerWith(stored)->tags(), stored);
-
-  fs::remove(tagsFile());
-  TagsManager fresh(locations());
-  fresh.waitUntilLoaded();
-  EXPECT_EQ(fresh.tags(), detail::TagsStore::defaultTags());
-  EXPECT_FALSE(fs::exists(tagsFile()));  // the defaults reach the file only with the first change
-}
-
-TEST_F(TagsManagerTest, InsertReplacesTheSameIdOrACanonicallyEqualTitleAndSortsAscending) {
-  auto manager = managerWith(
-      {makeTag(1, "Morning"), makeTag(2, "Evening"), makeTag(3, "Afternoon"), makeTag(4, "cafe\u0301")});
-  manager->insert(makeTag(5, "Evening"));    // same title, new id: the old tag goes
-  manager->insert(makeTag(1, "Zebra"));      // same id, new title: replaced
-  manager->insert(makeTag(6, "caf\u00e9"));  // canonically equal to the decomposed title
-  manager->insert(makeTag(7, "evening"));    // no case folding: both stay
-
-  EXPECT_EQ(manager->tags(),
-            (std::vector<Tag>{makeTag(3, "Afternoon"), makeTag(5, "Evening"), makeTag(1, "Zebra"),
-                              makeTag(6, "caf\u00e9"), makeTag(7, "evening")}));
-  EXPECT_FALSE(manager->tag(idNumber(2)).has_value());
-  EXPECT_FALSE(manager->tag(idNumber(4)).has_value());
-  EXPECT_EQ(manager->tag(idNumber(1)), makeTag(1, "Zebra"));
-  expectFileMatches(*manager);
-}
-
-TEST_F(TagsManagerTest, InsertSortsTheUnsortedDefaultSetAscending) {
-  fs::remove(tagsFile());
-  TagsManager manager(locations());
-  manager.waitUntilLoaded();
-  manager.insert(makeTag(1, "Lying down"));
-  EXPECT_THAT(titlesOf(manager.tags()),
-              ElementsAre("After medication", "Afternoon", "Before medication", "Evening", "Left arm",
-                          "Lying down", "Morning", "Right arm", "Sitting", "Standing", "Without medication"));
-  expectFileMatches(manager);
-}
-
-TEST_F(TagsManagerTest, UpdateSortsDescendingAddsUnknownIdsAndKeepsEqualTitlesInOrder) {
-  auto manager = managerWith({makeTag(1, "Apple"), makeTag(2, "banana"), makeTag(3, "Cherry")});
-  manager->update(makeTag(2, "Banana"));
-  EXPECT_THAT(titlesOf(manager->tags()), ElementsAre("Cherry", "Banana", "Apple"));
-
-  manager->update(makeTag(4, "Cherry"));  // an unknown id is added; the equal title stays
-  EXPECT_EQ(manager->tags(), (std::vector<Tag>{makeTag(3, "Cherry"), makeTag(4, "Cherry"),
-                                               makeTag(2, "Banana"), makeTag(1, "Apple")}));
-  expectFileMatches(*manager);
-
-  manager->insert(makeTag(5, "Date"));  // ascending again, equal titles still in their order
-  EXPECT_EQ(manager->tags(),
-            (std::vector<Tag>{makeTag(1, "Apple"), makeTag(2, "Banana"), makeTag(3, "Cherry"),
-                              makeTag(4, "Cherry"), makeTag(5, "Date")}));
-  expectFileMatches(*manager);
-}
-
-TEST_F(TagsManagerTest, UpperCaseSortsBeforeLowerCase) {
-  auto manager = managerWith({makeTag(1, "b"), makeTag(2, "a")});
-  manager->insert(makeTag(3, "B"));
-  manager->insert(makeTag(4, "A"));
-  EXPECT_THAT(titlesOf(manager->tags()), ElementsAre("A", "B", "a", "b"));
-  manager->update(makeTag(4, "A"));
-  EXPECT_THAT(titlesOf(manager->tags()), ElementsAre("b", "a", "B", "A"));
-  expectFileMatches(*manager);
-}
-
-TEST_F(TagsManagerTest, DeleteRemovesByIdAndKeepsTheOrder) {
-  auto manager = managerWith({makeTag(3, "Cherry"), makeTag(1, "Apple"), makeTag(2, "Banana")});
-  manager->deleteTag(makeTag(1, "a title that does not matter"));
-  EXPECT_THAT(titlesOf(manager->tags()), ElementsAre("Cherry", "Banana"));
-  expectFileMatches(*manager);
-}
-
-TEST_F(TagsManagerTest, DeletingAnUnknownIdChangesNothingButStillSaves) {
-  TagsManager manager(locations());  // no file: the defaults
-  manager.waitUntilLoaded();
-  manager.deleteTag(makeTag(99, "Unknown"));
-  EXPECT_EQ(manager.tags(), detail::TagsStore::defaultTags());
-  expectFileMatches(manager);
-}
-
-TEST_F(TagsManagerTest, EveryChangeRemovesBothTagsOfAnIdStoredTwice) {
-  const std::vector<Tag> stored{makeTag(1, "First"), makeTag(2, "Other"), makeTag(1, "Second")};
-  const std::vector<std::pair<const char*, std::function<void(TagsManager&)>>> changes{
-      {"insert", [](TagsManager& m) { m.insert(makeTag(1, "New")); }},
-      {"update", [](TagsManager& m) { m.update(makeTag(1, "New")); }},
-      {"delete", [](TagsManager& m) { m.deleteTag(makeTag(1, "First")); }},
+// Each change gives the expected list, the index follows it, observers hear of every step (announced
+// beforehand, while the list is still as the previous step left it), and the file holds the list once the
+// saves are done.
+TEST_F(TagsManagerTest, ChangesOrderTheListAndSaveIt) {
+  const char* const cases[][3] = {
+      // the stored list, the changes, the list they give
+      // Insert drops the same id and canonically equal titles, without case folding, then sorts ascending.
+      {"1:Morning,2:Evening,3:Afternoon,4:cafe\u0301", "insert 5:Evening insert 1:Zebra insert 6:caf\u00e9",
+       "3:Afternoon,5:Evening,1:Zebra,6:caf\u00e9"},
+      {"1:Morning", "insert 2:morning", "1:Morning,2:morning"},
+      {"1:Apple,2:banana,3:Cherry", "update 2:Banana",
+       "3:Cherry,2:Banana,1:Apple"},  // update sorts descending
+      {"3:Cherry,2:Banana,1:Apple", "update 4:Cherry", "3:Cherry,4:Cherry,2:Banana,1:Apple"},  // unknown id
+      {"4:Cherry,3:Cherry,2:Banana,1:Apple", "insert 5:Date", "1:Apple,2:Banana,4:Cherry,3:Cherry,5:Date"},
+      {"1:b,2:a", "insert 3:B insert 4:A", "4:A,3:B,2:a,1:b"},  // upper case sorts first
+      {"4:A,3:B,2:a,1:b", "update 4:A", "1:b,2:a,3:B,4:A"},
+      {"3:Cherry,1:Apple,2:Banana", "delete 1:Other", "3:Cherry,2:Banana"},  // by id; the order stays
+      {"1:Only", "delete 1:Only", ""},
+      // Every change removes all the tags of an id stored twice.
+      {"1:First,2:Other,1:Second", "insert 1:New", "1:New,2:Other"},
+      {"1:First,2:Other,1:Second", "update 1:New", "2:Other,1:New"},
+      {"1:First,2:Other,1:Second", "delete 1:First", "2:Other"},
   };
-  for (const auto& [name, change] : changes) {
-    SCOPED_TRACE(name);
-    auto manager = managerWith(stored);
-    EXPECT_EQ(manager->tags(), stored);
-    EXPECT_EQ(manager->tag(idNumber(1)), makeTag(1, "Second"));  // the later one in list order
-    change(*manager);
-    const auto titles = titlesOf(manager->tags());
-    EXPECT_THAT(titles, ::testing::Not(::testing::Contains("First")));
-    EXPECT_THAT(titles, ::testing::Not(::testing::Contains("Second")));
-    expectFileMatches(*manager);
+  for (const auto& [stored, changes, expected] : cases) {
+    SCOPED_TRACE(std::string(changes) + " on " + stored);
+    auto manager = loadedManager(stored);
+    EXPECT_TRUE(indexAgreesWithList(*manager));
+    std::vector<std::vector<Tag>> published, announced;
+    auto subscription =
+        manager->tagsPublisher().subscribe([&](const auto& tags) { published.push_back(tags); });
+    auto willChange = manager->objectWillChange().subscribe([&] { announced.push_back(manager->tags()); });
+
+    const std::size_t steps = change(*manager, changes);
+    EXPECT_EQ(manager->tags(), tagsFrom(expected));
+    EXPECT_TRUE(indexAgreesWithList(*manager));
+    EXPECT_EQ(published.size(), 1 + steps);  // the first inside subscribe()
+    announced.push_back(manager->tags());
+    EXPECT_EQ(announced, published);
+    manager->waitForPendingSaves();
+    EXPECT_EQ(savedTags(), tagsFrom(expected));
   }
 }
 
-TEST_F(TagsManagerTest, LookupsGoThroughTheIndexAndSortByTitle) {
-  auto manager = managerWith({makeTag(3, "Cherry"), makeTag(1, "apple"), makeTag(2, "Banana")});
+TEST_F(TagsManagerTest, LookupsByIdsSkipUnknownIdsAndSortByTitle) {
+  auto manager = loadedManager("3:Cherry,1:apple,2:Banana");
   EXPECT_EQ(manager->tags(std::set<UUID>{idNumber(1), idNumber(2), idNumber(42)}),
-            (std::vector<Tag>{makeTag(2, "Banana"), makeTag(1, "apple")}));
-  EXPECT_THAT(manager->tags(std::set<UUID>{}), IsEmpty());
-  EXPECT_FALSE(manager->tag(idNumber(42)).has_value());
+            tagsFrom("2:Banana,1:apple"));
+  EXPECT_THAT(manager->tags(std::set<UUID>{}), ::testing::IsEmpty());
   EXPECT_EQ(manager->formattedListString({idNumber(1), idNumber(2)}),
             ListFormatter{}.string({"Banana", "apple"}));
 }
 
-TEST_F(TagsManagerTest, ObserversHearOfEachStepBeforeAndAfterItHappens) {
-  auto manager = managerWith({makeTag(1, "Apple"), makeTag(2, "Banana")});
-  std::vector<std::vector<Tag>> published;
-  std::vector<std::vector<Tag>> beforeChanges;
-  auto listSubscription =
-      manager->tagsPublisher().subscribe([&](const std::vector<Tag>& tags) { published.push_back(tags); });
-  ASSERT_EQ(published.size(), 1U);  // the current list, inside subscribe()
-  EXPECT_EQ(published[0], manager->tags());
-  auto willChange = manager->objectWillChange().subscribe([&] { beforeChanges.push_back(manager->tags()); });
-
-  manager->insert(makeTag(3, "Cherry"));  // nothing to remove, and already in order: still three steps
-  EXPECT_EQ(published.size(), 4U);
-  manager->update(makeTag(3, "Cherry"));
-  EXPECT_EQ(published.size(), 7U);
-  manager->deleteTag(makeTag(1, "Apple"));
-  ASSERT_EQ(published.size(), 8U);
-
-  const std::vector<Tag> apple{makeTag(1, "Apple")}, banana{makeTag(2, "Banana")},
-      cherry{makeTag(3, "Cherry")};
-  EXPECT_THAT(
-      published,
-      ElementsAre(std::vector<Tag>{apple[0], banana[0]}, std::vector<Tag>{apple[0], banana[0]},
-                  std::vector<Tag>{apple[0], banana[0], cherry[0]},
-                  std::vector<Tag>{apple[0], banana[0], cherry[0]}, std::vector<Tag>{apple[0], banana[0]},
-                  std::vector<Tag>{apple[0], banana[0], cherry[0]},
-                  std::vector<Tag>{cherry[0], banana[0], apple[0]}, std::vector<Tag>{cherry[0], banana[0]}));
-  // Each notice of a coming change saw the list as the previous change left it.
-  ASSERT_EQ(beforeChanges.size(), published.size() - 1);
-  for (std::size_t i = 0; i < beforeChanges.size(); ++i) EXPECT_EQ(beforeChanges[i], published[i]) << i;
-}
-
-TEST_F(TagsManagerTest, FailedSaveIsLoggedAndTheChangeStaysInMemory) {
-  fs::create_directory(tagsFile());  // nothing can be written where a folder is
-  TagsManager manager(locations());
-  manager.waitUntilLoaded();
-  clearLogs();
-  manager.insert(makeTag(1, "Kept"));
-  manager.waitForPendingSaves();
-  const auto errors = messages(LogLevel::error);
-  ASSERT_EQ(errors.size(), 1U);
-  EXPECT_THAT(errors[0], StartsWith("Failed to save tags "));
-  EXPECT_THAT(errors[0], HasSubstr("Is a directory"));
-  EXPECT_EQ(manager.tag(idNumber(1)), makeTag(1, "Kept"));
-}
-
-TEST_F(TagsManagerTest, DeletingEveryTagSavesAnEmptyListAndTheNextManagerGetsTheDefaults) {
+TEST_F(TagsManagerTest, DestructionWaitsForEverySave) {
   {
-    auto manager = managerWith({makeTag(1, "Only")});
-    manager->deleteTag(makeTag(1, "Only"));
-    manager->waitForPendingSaves();
-    EXPECT_EQ(fileContent(tagsFile()), "[]");
-  }
-  TagsManager next(locations());
-  next.waitUntilLoaded();
-  EXPECT_EQ(next.tags(), detail::TagsStore::defaultTags());
-}
-
-TEST_F(TagsManagerTest, DestructionWaitsForTheSaves) {
-  {
-    auto manager = managerWith({makeTag(1, "Apple")});
-    for (int n = 2; n < 20; ++n) manager->insert(makeTag(n, "Tag " + std::to_string(n)));
+    auto manager = loadedManager("1:Apple");
+    for (int n = 2; n < 20; ++n) manager->insert(Tag{idNumber(n), "Tag " + std::to_string(n), "00ff00"});
   }
   EXPECT_EQ(savedTags().size(), 19U);
 }
 
-// The stored file is a pipe, so the load waits until the test writes the stored list into it: the
-// insert is certainly made before the load is applied. Durable mode, so that the save replaces the pipe.
+// The stored file is a pipe, so the load waits until the test writes the stored list into it: the insert
+// is certainly made before the load is applied. Durable mode, so that the save replaces the pipe.
 TEST_F(TagsManagerTest, ChangeMadeBeforeTheLoadIsReplayedOnTheStoredTags) {
   ASSERT_EQ(::mkfifo(tagsFile().c_str(), 0600), 0);
   TagsManager manager(locations(), StorageOptions{.durable = true});
-  manager.insert(makeTag(3, "Early"));
-  EXPECT_EQ(manager.tags(), std::vector<Tag>{makeTag(3, "Early")});
-  EXPECT_EQ(manager.tag(idNumber(3)), makeTag(3, "Early"));
+  change(manager, "insert 3:Early");
+  EXPECT_EQ(manager.tags(), tagsFrom("3:Early"));
+  EXPECT_TRUE(indexAgreesWithList(manager));
 
-  std::ofstream(tagsFile()) << json::encode(std::vector<Tag>{makeTag(2, "Zulu"), makeTag(1, "Alpha")});
+  std::ofstream(tagsFile()) << json::encode(tagsFrom("2:Zulu,1:Alpha"));
   manager.waitUntilLoaded();
-  const std::vector<Tag> merged{makeTag(1, "Alpha"), makeTag(3, "Early"), makeTag(2, "Zulu")};
-  EXPECT_EQ(manager.tags(), merged);
+  EXPECT_EQ(manager.tags(), tagsFrom("1:Alpha,3:Early,2:Zulu"));
   manager.waitForPendingSaves();
-  EXPECT_EQ(savedTags(), merged);
+  EXPECT_EQ(savedTags(), tagsFrom("1:Alpha,3:Early,2:Zulu"));
+}
+
+using TagsManagerConcurrencyTest = TagsManagerTest;
+
+// Four threads insert, update, delete and look up 24 ids while the initial load runs.
+// Changes are made one at a time, notifications included: while a subscriber runs, the list is the one it
+// was handed and the index agrees with it. At the end the file holds the list that observers saw last.
+TEST_F(TagsManagerConcurrencyTest, ConcurrentChangesEndWithTheFileEqualToTheListObserversSawLast) {
+  TagsManager manager(locations());  // no file: starts loading the defaults while the threads begin
+
+  std::mutex seenMutex;
+  std::vector<Tag> lastSeen;
+  std::atomic<int> notifications{0}, inconsistentNotifications{0}, badLookups{0};
+  auto subscription = manager.tagsPublisher().subscribe([&](const std::vector<Tag>& tags) {
+    ++notifications;
+    if (manager.tags() != tags || !indexAgreesWithList(manager)) ++inconsistentNotifications;
+    std::lock_guard lock(seenMutex);
+    lastSeen = tags;
+  });
+
+  constexpr int threads = 4, changesPerThread = 150;
+  std::vector<std::thread> writers;
+  for (int t = 0; t < threads; ++t) {
+    writers.emplace_back([&, t] {
+      const char* const operations[] = {"insert", "update", "delete"};
+      for (int i = 0; i < changesPerThread; ++i) {
+        const auto n = detail::random::uniformBelow(24) + 1;
+        change(manager, std::string(operations[(i + t) % 3]) + " " + std::to_string(n) + ":Tag" +
+                            std::to_string((n * 7 + t) % 24));
+        const auto found = manager.tags(std::set<UUID>(ids.begin(), ids.end()));
+        const bool sorted = std::is_sorted(found.begin(), found.end(), [](const Tag& a, const Tag& b) {
+          return text::canonicalCompare(a.title, b.title) < 0;
+        });
+        badLookups += sorted ? 0 : 1;
+        static_cast<void>(manager.formattedListString({ids.begin(), ids.end()}));
+      }
+    });
+  }
+  for (auto& writer : writers) writer.join();
+  manager.waitForPendingSaves();
+
+  EXPECT_EQ(inconsistentNotifications.load(), 0);
+  EXPECT_EQ(badLookups.load(), 0);
+  EXPECT_GE(notifications.load(), threads * changesPerThread);
+  EXPECT_TRUE(indexAgreesWithList(manager));
+  {
+    std::lock_guard lock(seenMutex);
+    EXPECT_EQ(lastSeen, manager.tags());
+  }
+  EXPECT_EQ(savedTags(), manager.tags());
 }
 
 }  // namespace

@@ -4,18 +4,16 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
 
 #include "cardiolith/model/reading.hpp"
 #include "cardiolith/platform/date.hpp"
 
 namespace cardiolith::testing {
 
-// The instant of a UTC calendar date and time.
-inline Date utc(int year, unsigned month, unsigned day, int hour = 0, int minute = 0, int second = 0) {
-  using namespace std::chrono;
-  const sys_seconds instant =
-      sys_days{std::chrono::year{year} / month / day} + hours{hour} + minutes{minute} + seconds{second};
+// The instant of a UTC calendar date and hour.
+inline Date utc(int year, unsigned month, unsigned day, int hour = 0) {
+  const std::chrono::sys_seconds instant =
+      std::chrono::sys_days{std::chrono::year{year} / month / day} + std::chrono::hours{hour};
   return Date::fromTimeIntervalSince1970(static_cast<double>(instant.time_since_epoch().count()));
 }
 

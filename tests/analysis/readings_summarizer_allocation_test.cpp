@@ -1,6 +1,5 @@
 // Counts the allocations of a summary with a replacement of the global operator new for this test
-// program. Counting is off except inside an AllocationCounter's scope, and counts only the thread that
-// opened it.
+// program. Counting is off except inside countAllocations, and counts only the thread that calls it.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -22,36 +21,25 @@ struct AllocationCount {
 thread_local bool counting = false;
 thread_local AllocationCount counted;
 
-void* allocate(std::size_t size) {
-  if (counting) {
-    ++counted.allocations;
-    counted.bytes += size;
-  }
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc();
+template <class Work>
+AllocationCount countAllocations(Work work) {
+  counted = {};
+  counting = true;
+  work();
+  counting = false;
+  return counted;
 }
-
-class AllocationCounter {
- public:
-  AllocationCounter() {
-    counted = {};
-    counting = true;
-  }
-  ~AllocationCounter() { counting = false; }
-  AllocationCounter(const AllocationCounter&) = delete;
-  AllocationCounter& operator=(const AllocationCounter&) = delete;
-
-  AllocationCount count() const { return counted; }
-};
 
 }  // namespace
 
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
+// operator new[] and the sized operator delete forward to these by default.
+void* operator new(std::size_t size) {
+  if (counting) counted = {counted.allocations + 1, counted.bytes + size};
+  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  throw std::bad_alloc();
+}
 void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace cardiolith {
 namespace {
@@ -66,28 +54,22 @@ TEST(ReadingsSummarizerAllocationTest, AllocatesNothingPerReadingBeyondTheTwoPer
   const Date start = utc(2025, 3, 1);
   const Date end = start.addingTimeInterval(7 * kDay);
   ReadingList readings;
-  readings.reserve(kReadings);
   // Spread over 30 days from the previous start on: nearly half lie in one of the two periods.
   for (std::size_t i = 0; i < kReadings; ++i) {
-    const double offset = -7 * kDay + 30 * kDay * static_cast<double>(i) / kReadings;
-    readings.push_back(reading(start.addingTimeInterval(offset), 120, 80, 70));
+    readings.push_back(reading(
+        start.addingTimeInterval(-7 * kDay + 30 * kDay * static_cast<double>(i) / kReadings), 120, 80, 70));
   }
 
-  AllocationCount lists;
-  {
-    AllocationCounter counter;
-    const ReadingList current = filtered(readings, start, end);
-    const ReadingList previous = filtered(readings, start.addingTimeInterval(-7 * kDay), start);
-    lists = counter.count();
-    ASSERT_GT(current.size() + previous.size(), kReadings / 3);
-  }
-  AllocationCount summarising;
-  {
-    AllocationCounter counter;
-    const ReadingsSummary summary = ReadingsSummarizer::summarise(readings, start, end);
-    summarising = counter.count();
-    ASSERT_TRUE(summary.currentPeriodAverage() && summary.previousPreviousAverage());
-  }
+  std::size_t periodReadings = 0;
+  const AllocationCount lists = countAllocations([&] {
+    periodReadings = filtered(readings, start, end).size() +
+                     filtered(readings, start.addingTimeInterval(-7 * kDay), start).size();
+  });
+  ASSERT_GT(periodReadings, kReadings / 3);
+  std::optional<ReadingsSummary> summary;
+  const AllocationCount summarising =
+      countAllocations([&] { summary = ReadingsSummarizer::summarise(readings, start, end); });
+  ASSERT_TRUE(summary->currentPeriodAverage() && summary->previousPreviousAverage());
 
   // Beyond the two period lists, only the calendar's few fixed allocations; a copy of a period's values,
   // let alone an allocation per reading, would show here.

@@ -29,9 +29,10 @@ struct ArgumentsSlot {
   std::optional<std::vector<std::string>> overridden;
 };
 
+// Never destroyed: analytics work drained at exit still asks for the launch arguments.
 ArgumentsSlot& slot() {
-  static ArgumentsSlot instance;
-  return instance;
+  static auto* const instance = new ArgumentsSlot;
+  return *instance;
 }
 
 }  // namespace

@@ -3,16 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "cardiolith/platform/storage_locations.hpp"
-#include "cardiolith/platform/uuid.hpp"
 #include "cardiolith/storage/tags_manager.hpp"
 #include "sample/fake_readings.hpp"
 
@@ -21,77 +20,58 @@ namespace {
 
 const Date kEnd(760'000'000.25);
 
-Tag tag(const char* title) { return Tag{UUID::random(), title, "007aff"}; }
-
-// A tag list that never changes, counting how often it is read.
-struct FixedTags {
+// Generates from a tag list that never changes, counting how often the list is read.
+struct Generator {
   std::vector<Tag> tags;
   int reads = 0;
-  detail::TagListSource source() {
-    return [this] {
+  ReadingList operator()(std::int64_t count, std::optional<std::int64_t> variance = std::nullopt,
+                         bool includeNotes = false) {
+    return detail::generateFakeReadings(count, kEnd, variance, includeNotes, [this] {
       ++reads;
       return tags;
-    };
+    });
   }
 };
 
-ReadingList generate(std::int64_t count, std::optional<std::int64_t> variance, FixedTags& tags,
-                     bool includeNotes = false) {
-  return detail::generateFakeReadings(count, kEnd, variance, includeNotes, tags.source());
-}
+Tag tag(const char* title) { return Tag{UUID::random(), title, "007aff"}; }
 
-TEST(FakeReadingsGeneratorTest, CountZeroGivesOneReadingAtTheEndWithTwoPicks) {
-  FixedTags tags{{tag("Only")}};
-  const ReadingList readings = generate(0, std::nullopt, tags);
-  ASSERT_EQ(readings.size(), 1u);
-  EXPECT_EQ(readings[0]->date(), kEnd);
-  EXPECT_EQ(tags.reads, 2);
-  EXPECT_EQ(readings[0]->tagIDs(), std::set<UUID>{tags.tags[0].id});
-  EXPECT_FALSE(readings[0]->notes().has_value());
-  EXPECT_FALSE(readings[0]->healthKitID().has_value());
-}
-
-TEST(FakeReadingsGeneratorTest, ReadingsAreExactly24HoursApartNewestFirstWithFreshIDs) {
-  FixedTags tags;
-  const ReadingList readings = generate(14, std::nullopt, tags);
-  ASSERT_EQ(readings.size(), 15u);
-  std::set<std::string> ids;
-  for (std::size_t i = 0; i < readings.size(); ++i) {
-    EXPECT_EQ(readings[i]->date().timeIntervalSinceReferenceDate(),
-              kEnd.timeIntervalSinceReferenceDate() - 86400.0 * static_cast<double>(i));
-    const auto parsed = UUID::parse(readings[i]->id());
-    ASSERT_TRUE(parsed) << readings[i]->id();
-    EXPECT_EQ(parsed->uuidString(), readings[i]->id());  // canonical, upper case
-    ids.insert(readings[i]->id());
-  }
-  EXPECT_EQ(ids.size(), readings.size());
-}
-
-TEST(FakeReadingsGeneratorTest, TagsArePickedOnEvenIndicesAndMultiplesOfThree) {
-  FixedTags tags{{tag("Only")}};
-  const ReadingList readings = generate(14, std::nullopt, tags);
-  // Picks at 0, 2, 4, 6, 8, 10, 12, 14 and at 0, 3, 6, 9, 12, each reading the list afresh.
-  EXPECT_EQ(tags.reads, 13);
-  for (std::size_t i = 0; i < readings.size(); ++i) {
-    const bool picked = i % 2 == 0 || i % 3 == 0;
-    ASSERT_TRUE(readings[i]->tagIDs().has_value());
-    EXPECT_EQ(readings[i]->tagIDs()->size(), picked ? 1u : 0u) << "reading " << i;
-  }
-}
-
-TEST(FakeReadingsGeneratorTest, AnEmptyTagListGivesEmptyTagSets) {
-  FixedTags tags;
-  for (const auto& reading : generate(14, std::nullopt, tags)) {
-    ASSERT_TRUE(reading->tagIDs().has_value());
-    EXPECT_TRUE(reading->tagIDs()->empty());
+// count + 1 readings, newest first, exactly 24 hours apart and ending at the end date, with fresh canonical
+// ids, a sentence as notes only when asked, and tags picked on even indices and again on multiples of 3,
+// each pick reading the list afresh.
+TEST(FakeReadingsGeneratorTest, DailyReadingsWithTagsOnEvenIndicesAndMultiplesOfThree) {
+  for (const std::int64_t count : {0, 14}) {
+    for (const bool withTags : {true, false}) {
+      SCOPED_TRACE("count " + std::to_string(count) + (withTags ? " with a tag" : " without tags"));
+      Generator generate{withTags ? std::vector<Tag>{tag("Only")} : std::vector<Tag>{}};
+      const bool withNotes = count > 0;
+      const ReadingList readings = generate(count, std::nullopt, withNotes);
+      ASSERT_EQ(readings.size(), static_cast<std::size_t>(count + 1));
+      EXPECT_EQ(generate.reads, count / 2 + count / 3 + 2);
+      std::set<std::string> ids;
+      for (std::size_t i = 0; i < readings.size(); ++i) {
+        SCOPED_TRACE("reading " + std::to_string(i));
+        EXPECT_EQ(readings[i]->date(), kEnd.addingTimeInterval(-86400.0 * static_cast<double>(i)));
+        EXPECT_EQ(UUID::parse(readings[i]->id()).value_or(UUID()).uuidString(), readings[i]->id());
+        ids.insert(readings[i]->id());
+        ASSERT_TRUE(readings[i]->tagIDs().has_value());
+        EXPECT_EQ(readings[i]->tagIDs()->size(), withTags && (i % 2 == 0 || i % 3 == 0) ? 1u : 0u);
+        const std::string notes = readings[i]->notes().value_or("");
+        EXPECT_EQ(readings[i]->notes().has_value(), withNotes);
+        EXPECT_TRUE(!withNotes ||
+                    (notes.size() > 1 && notes[0] >= 'A' && notes[0] <= 'Z' && notes.back() == '.'))
+            << notes;
+        EXPECT_FALSE(readings[i]->healthKitID());
+      }
+      EXPECT_EQ(ids.size(), readings.size());
+    }
   }
 }
 
 // The two picks at multiples of 6 are independent: with two tags they agree about half of the time. Over
 // 500 such readings, never seeing one of the outcomes has odds of 2^-499; every tag turns up.
 TEST(FakeReadingsGeneratorTest, PicksAreIndependentAndUniform) {
-  FixedTags tags{{tag("One"), tag("Two")}};
-  const ReadingList readings = generate(2999, std::nullopt, tags);
+  Generator generate{{tag("One"), tag("Two")}};
+  const ReadingList readings = generate(2999);
   std::set<std::size_t> sizesAtDoublePicks;
   std::set<UUID> seen;
   for (std::size_t i = 0; i < readings.size(); ++i) {
@@ -99,127 +79,79 @@ TEST(FakeReadingsGeneratorTest, PicksAreIndependentAndUniform) {
     seen.insert(readings[i]->tagIDs()->begin(), readings[i]->tagIDs()->end());
   }
   EXPECT_EQ(sizesAtDoublePicks, (std::set<std::size_t>{1, 2}));
-  EXPECT_EQ(seen, (std::set<UUID>{tags.tags[0].id, tags.tags[1].id}));
-}
-
-struct RangeCase {
-  const char* name;
-  std::optional<std::int64_t> variance;
-  std::int64_t count;
-  std::int64_t systolic[2];  // lowest and highest value produced, both included
-  std::int64_t diastolic[2];
-  std::int64_t pulse[2];
-};
-
-std::set<std::int64_t> everyValue(const std::int64_t (&bounds)[2]) {
-  std::set<std::int64_t> values;
-  for (std::int64_t value = bounds[0]; value <= bounds[1]; ++value) values.insert(value);
-  return values;
+  EXPECT_EQ(seen, (std::set<UUID>{generate.tags[0].id, generate.tags[1].id}));
 }
 
 // Each field produces exactly the values of its half-open range: the upper bound never, every other value
 // at least once. The widest range has 180 values; over 6000 readings, missing any has odds below 1e-12.
 TEST(FakeReadingsGeneratorTest, ValuesCoverTheirHalfOpenRangesExactly) {
-  const RangeCase cases[] = {
-      {"no variance", std::nullopt, 5999, {70, 199}, {40, 124}, {20, 199}},
-      {"variance 10", 10, 999, {110, 119}, {70, 79}, {70, 79}},
-      {"variance 1", 1, 99, {119, 119}, {79, 79}, {79, 79}},
-      {"variance 125 goes below zero", 125, 5999, {-5, 119}, {-45, 79}, {-45, 79}},
+  struct Case {
+    std::optional<std::int64_t> variance;
+    std::int64_t count;
+    std::int64_t lowest[3];  // systolic, diastolic, pulse; the highest is one below the upper bound
+    std::int64_t highest[3];
+  };
+  const Case cases[] = {
+      {std::nullopt, 5999, {70, 40, 20}, {199, 124, 199}},
+      {10, 999, {110, 70, 70}, {119, 79, 79}},
+      {1, 99, {119, 79, 79}, {119, 79, 79}},
+      {125, 5999, {-5, -45, -45}, {119, 79, 79}},  // nothing clamps the lower bounds
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    FixedTags tags;
-    std::set<std::int64_t> systolic, diastolic, pulse;
-    for (const auto& reading : generate(c.count, c.variance, tags)) {
-      systolic.insert(reading->systolic());
-      diastolic.insert(reading->diastolic());
-      pulse.insert(reading->pulse());
+    SCOPED_TRACE("variance " + std::to_string(c.variance.value_or(0)));
+    std::set<std::int64_t> seen[3];
+    for (const auto& reading : Generator{}(c.count, c.variance)) {
+      seen[0].insert(reading->systolic());
+      seen[1].insert(reading->diastolic());
+      seen[2].insert(reading->pulse());
     }
-    EXPECT_EQ(systolic, everyValue(c.systolic));
-    EXPECT_EQ(diastolic, everyValue(c.diastolic));
-    EXPECT_EQ(pulse, everyValue(c.pulse));
+    for (int field = 0; field < 3; ++field) {
+      EXPECT_EQ(seen[field].size(), static_cast<std::size_t>(c.highest[field] - c.lowest[field] + 1))
+          << field;
+      EXPECT_EQ(*seen[field].begin(), c.lowest[field]) << field;
+      EXPECT_EQ(*seen[field].rbegin(), c.highest[field]) << field;
+    }
   }
-}
-
-TEST(FakeReadingsGeneratorTest, AHugeVarianceDrawsWithoutOverflow) {
-  FixedTags tags;
-  constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
-  for (const auto& reading : generate(99, kMax, tags)) {
-    EXPECT_LT(reading->systolic(), 120);
-    EXPECT_GE(reading->systolic(), 120 - kMax);
-    EXPECT_LT(reading->diastolic(), 80);
-    EXPECT_GE(reading->pulse(), 80 - kMax);
+  for (const auto& reading : Generator{}(99, std::numeric_limits<std::int64_t>::max())) {  // no overflow
+    EXPECT_TRUE(reading->systolic() < 120 && reading->diastolic() < 80 && reading->pulse() < 80);
+    EXPECT_GE(reading->systolic(), 120 - std::numeric_limits<std::int64_t>::max());
   }
-}
-
-TEST(FakeReadingsGeneratorTest, NotesAreSentencesOnlyWhenAsked) {
-  FixedTags tags;
-  for (const auto& reading : generate(20, std::nullopt, tags, true)) {
-    ASSERT_TRUE(reading->notes().has_value());
-    const std::string& notes = *reading->notes();
-    EXPECT_TRUE(notes.front() >= 'A' && notes.front() <= 'Z') << notes;
-    EXPECT_EQ(notes.back(), '.') << notes;
-  }
-  for (const auto& reading : generate(20, std::nullopt, tags, false))
-    EXPECT_FALSE(reading->notes().has_value());
 }
 
 TEST(FakeReadingsGeneratorTest, BrokenLimitsThrowBeforeAnyTagIsRead) {
-  struct Case {
-    std::int64_t count;
-    std::optional<std::int64_t> variance;
-    std::string message;
-  };
-  const Case cases[] = {
-      {-1, std::nullopt, "FakeReadingsGenerator::generateFakeReadings: count must be 0 or more, got -1"},
-      {3, 0, "FakeReadingsGenerator::generateFakeReadings: rangeVariance must be 1 or more, got 0"},
-      {3, -7, "FakeReadingsGenerator::generateFakeReadings: rangeVariance must be 1 or more, got -7"},
-  };
-  for (const auto& c : cases) {
-    FixedTags tags;
+  const std::tuple<std::int64_t, std::optional<std::int64_t>, std::string> cases[] = {
+      {-1, std::nullopt, "count must be 0 or more, got -1"},
+      {3, 0, "rangeVariance must be 1 or more, got 0"},
+      {3, -7, "rangeVariance must be 1 or more, got -7"}};
+  for (const auto& [count, variance, message] : cases) {
+    Generator generate;
     try {
-      generate(c.count, c.variance, tags);
-      ADD_FAILURE() << "no exception; expected: " << c.message;
+      generate(count, variance);
+      ADD_FAILURE() << "no exception; expected: " << message;
     } catch (const std::invalid_argument& error) {
-      EXPECT_EQ(error.what(), c.message);
+      EXPECT_EQ(error.what(), "FakeReadingsGenerator::generateFakeReadings: " + message);
     }
-    EXPECT_EQ(tags.reads, 0);
+    EXPECT_EQ(generate.reads, 0);
   }
-  FixedTags tags;
-  EXPECT_THROW(generate(std::numeric_limits<std::int64_t>::max(), std::nullopt, tags), std::length_error);
-  EXPECT_EQ(tags.reads, 0);
+  Generator generate;
+  EXPECT_THROW(generate(std::numeric_limits<std::int64_t>::max()), std::length_error);
+  EXPECT_EQ(generate.reads, 0);
 }
 
-// Through the public operation, tags come from a fresh manager over the test's temporary container, whose
-// list starts empty and fills in the background: each pick gives nothing or one of the stored tags, and
-// once the list has arrived it stays.
+// The public operation takes its tags from a fresh manager over the test's temporary container, whose list
+// may arrive in the background during the call: a pick gives nothing or one of the stored tags.
 TEST(FakeReadingsGeneratorTest, PublicOperationPicksFromAFreshTagsManager) {
+  TagsManager manager(StorageLocations::current());
+  manager.waitUntilLoaded();
   std::set<UUID> stored;
-  {
-    TagsManager manager(StorageLocations::current());
-    manager.waitUntilLoaded();
-    for (const auto& tag : manager.tags()) stored.insert(tag.id);
-  }
-  ASSERT_FALSE(stored.empty());
-
+  for (const auto& tag : manager.tags()) stored.insert(tag.id);
+  EXPECT_THROW(FakeReadingsGenerator::generateFakeReadings(-1, kEnd, 10, true), std::invalid_argument);
   const ReadingList readings = FakeReadingsGenerator::generateFakeReadings(299, kEnd, 10, true);
   ASSERT_EQ(readings.size(), 300u);
-  bool arrived = false;
-  for (std::size_t i = 0; i < readings.size(); ++i) {
-    const auto& tagIDs = *readings[i]->tagIDs();
-    for (const auto& id : tagIDs) EXPECT_EQ(stored.count(id), 1u);
-    const bool picked = i % 2 == 0 || i % 3 == 0;
-    if (!picked) {
-      EXPECT_TRUE(tagIDs.empty()) << "reading " << i;
-    } else if (arrived) {
-      EXPECT_FALSE(tagIDs.empty()) << "reading " << i;
-    }
-    arrived = arrived || !tagIDs.empty();
-    EXPECT_GE(readings[i]->systolic(), 110);
-    EXPECT_TRUE(readings[i]->notes().has_value());
+  for (const auto& reading : readings) {
+    for (const auto& id : *reading->tagIDs()) EXPECT_EQ(stored.count(id), 1u);
+    EXPECT_TRUE(reading->systolic() >= 110 && reading->systolic() < 120 && reading->notes());
   }
-  EXPECT_THROW(FakeReadingsGenerator::generateFakeReadings(-1, kEnd, std::nullopt, false),
-               std::invalid_argument);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <string>
@@ -107,10 +108,12 @@ std::string readWholeFile(const std::filesystem::path& path) {
   if (S_ISDIR(status.st_mode)) throwFileError("cannot read file", path, EISDIR);
 
   std::string bytes;
-  bytes.resize(status.st_size > 0 ? static_cast<std::size_t>(status.st_size) : 4096);
+  // One byte more than the file's size, so that the read which finds the end does not have to grow (and
+  // zero-fill) a buffer as large as the file again; only a file that grows while we read it does that.
+  bytes.resize(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
   std::size_t filled = 0;
   for (;;) {
-    if (filled == bytes.size()) bytes.resize(bytes.size() * 2);  // the file grew while we read it
+    if (filled == bytes.size()) bytes.resize(bytes.size() * 2);
     const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
     if (got < 0) {
       if (errno == EINTR) continue;

@@ -28,9 +28,16 @@ std::string_view describe(ondemand::json_type type) {
 
 }  // namespace
 
-JsonReader::JsonReader(std::string_view text) : buffer_(text) {
-  if (buffer_.data() == nullptr) throw std::bad_alloc();  // padded_string reports no other way
-  if (const auto error = parser_.iterate(buffer_).get(document_)) {
+static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING, "the in-place promise must cover simdjson's padding");
+
+JsonReader::JsonReader(std::string_view text, std::size_t readablePadding) {
+  simdjson::padded_string_view input(text.data(), text.size(), text.size() + readablePadding);
+  if (readablePadding < simdjson::SIMDJSON_PADDING) {
+    buffer_ = simdjson::padded_string(text);
+    if (buffer_.data() == nullptr) throw std::bad_alloc();  // padded_string reports no other way
+    input = buffer_;
+  }
+  if (const auto error = parser_.iterate(input).get(document_)) {
     if (const auto lexical = findLexicalError(text)) failAt(lexical->offset, lexical->reason);
     throw DecodingError(std::string("cannot read JSON: ") + simdjson::error_message(error));
   }

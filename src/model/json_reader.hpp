@@ -13,6 +13,8 @@
 #include "model/json_path.hpp"
 #include "model/json_tokens.hpp"
 
+#include "model/json_in_place.hpp"
+
 namespace cardiolith::json_detail {
 
 namespace ondemand = simdjson::ondemand;
@@ -23,8 +25,10 @@ namespace ondemand = simdjson::ondemand;
 // nothing; everything that builds a message lives out of line.
 class JsonReader {
  public:
-  // Copies the text into a padded buffer and finds its tokens. Throws when the text cannot be tokenized.
-  explicit JsonReader(std::string_view text);
+  // Finds the tokens of the text. The text is read where it is when `readablePadding` bytes after its end
+  // may be read too (kReadPadding or more); otherwise it is first copied into a padded buffer. Throws when
+  // the text cannot be tokenized.
+  explicit JsonReader(std::string_view text, std::size_t readablePadding = 0);
   JsonReader(const JsonReader&) = delete;
   JsonReader& operator=(const JsonReader&) = delete;
 

@@ -176,9 +176,10 @@ std::string encode(const Readings& readings) {
   return std::move(writer).take();
 }
 
-template <>
-Readings decode<Readings>(std::string_view text) {
-  JsonReader reader(text);
+namespace {
+
+Readings decodeReadings(std::string_view text, std::size_t readablePadding) {
+  JsonReader reader(text, readablePadding);
   auto root = reader.rootObject();
   const JsonPath rootPath;
   const JsonPath readingsPath = rootPath.member(kDocumentMembers[0]);
@@ -197,4 +198,19 @@ Readings decode<Readings>(std::string_view text) {
   return Readings{std::move(*readings)};
 }
 
+}  // namespace
+
+template <>
+Readings decode<Readings>(std::string_view text) {
+  return decodeReadings(text, 0);
+}
+
 }  // namespace cardiolith::json
+
+namespace cardiolith::json_detail {
+
+Readings decodeReadingsInPlace(const std::string& text) {
+  return json::decodeReadings(text, text.capacity() - text.size());
+}
+
+}  // namespace cardiolith::json_detail

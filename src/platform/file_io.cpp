@@ -100,7 +100,7 @@ class RemoveUnlessKept {
 
 }  // namespace
 
-std::string readWholeFile(const std::filesystem::path& path) {
+std::string readWholeFile(const std::filesystem::path& path, std::size_t spareCapacity) {
   FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.get() < 0) throwFileError("cannot open file for reading", path, errno);
   struct stat status {};
@@ -110,7 +110,9 @@ std::string readWholeFile(const std::filesystem::path& path) {
   std::string bytes;
   // One byte more than the file's size, so that the read which finds the end does not have to grow (and
   // zero-fill) a buffer as large as the file again; only a file that grows while we read it does that.
-  bytes.resize(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
+  const auto expected = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1;
+  bytes.reserve(expected + spareCapacity);
+  bytes.resize(expected);
   std::size_t filled = 0;
   for (;;) {
     if (filled == bytes.size()) bytes.resize(bytes.size() * 2);
@@ -123,6 +125,7 @@ std::string readWholeFile(const std::filesystem::path& path) {
     filled += static_cast<std::size_t>(got);
   }
   bytes.resize(filled);
+  if (bytes.capacity() - bytes.size() < spareCapacity) bytes.reserve(bytes.size() + spareCapacity);
   return bytes;
 }
 

@@ -7,7 +7,8 @@
 namespace cardiolith::detail {
 
 // The whole content of a file. std::filesystem::filesystem_error, naming the path, when it can't be read.
-std::string readWholeFile(const std::filesystem::path& path);
+// `spareCapacity` leaves that many bytes of capacity after the content (for readers that look past the end).
+std::string readWholeFile(const std::filesystem::path& path, std::size_t spareCapacity = 0);
 
 // Writes the whole file in place, creating or truncating it. filesystem_error when it fails.
 void writeWholeFile(const std::filesystem::path& path, std::string_view bytes);

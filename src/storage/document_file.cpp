@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "model/json_in_place.hpp"
 #include "platform/file_io.hpp"
 
 namespace cardiolith::detail {
@@ -38,7 +39,8 @@ bool holdsExactly(const std::filesystem::path& path, std::string_view bytes) {
 DocumentFile::DocumentFile(std::filesystem::path path, StorageOptions options)
     : path_(std::move(path)), options_(options) {}
 
-std::string DocumentFile::read() const { return readWholeFile(path_); }
+// The spare capacity lets the readings decoder read the bytes where they are, without a padded copy.
+std::string DocumentFile::read() const { return readWholeFile(path_, json_detail::kReadPadding); }
 
 std::optional<std::string> DocumentFile::readIfPresent() const {
   try {

@@ -5,11 +5,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "cardiolith/model/json.hpp"
 #include "cardiolith/platform/analytics_backend.hpp"
 #include "cardiolith/platform/logger.hpp"
 #include "cardiolith/storage/storage_options.hpp"
+#include "model/json_in_place.hpp"
 
 namespace cardiolith::detail {
 
@@ -27,11 +29,21 @@ class DocumentFile {
   template <class Document>
   std::optional<Document> load(std::string_view failurePrefix) const {
     try {
-      return json::decode<Document>(read());
+      return decode<Document>(read());
     } catch (const std::exception& error) {
       Logger::standard().error(std::string(failurePrefix) + localizedDescription(error));
       keepUnreadable();
       return std::nullopt;
+    }
+  }
+
+  // The document in `bytes`; the readings document is decoded in place (see read()).
+  template <class Document>
+  static Document decode(const std::string& bytes) {
+    if constexpr (std::is_same_v<Document, Readings>) {
+      return json_detail::decodeReadingsInPlace(bytes);
+    } else {
+      return json::decode<Document>(bytes);
     }
   }
 

@@ -76,7 +76,7 @@ std::future<Readings> ReadingsStore::load() {
 std::future<Readings> ReadingsStore::loadExisting() {
   return impl_->queue.submit([this] {
     const auto bytes = impl_->file.readIfPresent();
-    return bytes ? json::decode<Readings>(*bytes) : Readings{};
+    return bytes ? detail::DocumentFile::decode<Readings>(*bytes) : Readings{};
   });
 }
 

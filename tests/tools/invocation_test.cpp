@@ -1,0 +1,48 @@
+// What needs no data folder: the default places for the log, and classify.
+
+#include "tool_test.hpp"
+
+namespace cardiolith::tool::testing {
+namespace {
+
+using InvocationTest = ToolTest;
+
+TEST_F(InvocationTest, WithoutDataDirTheLogLivesInTheDefaultPlaces) {
+  EXPECT_THAT(runPlain({}).out, HasSubstr("Start with:  cardiolith add 128/82 --pulse 71"));
+  ASSERT_EQ(runPlain({"add", "121/80/60"}).exitCode, 0);
+  EXPECT_TRUE(std::filesystem::exists(root_ / "home" / ".local" / "share" / "group.cardiolith" / "readings"));
+
+  const auto container = root_ / "container";
+  environment_["CARDIOLITH_GROUP_CONTAINER"] = container.string();
+  environment_["CARDIOLITH_DOCUMENTS_DIR"] = (root_ / "documents").string();
+  ASSERT_EQ(runPlain({"add", "120/80/60"}).exitCode, 0);
+  EXPECT_TRUE(std::filesystem::exists(container / "readings"));
+  EXPECT_TRUE(std::filesystem::exists(container / "readings.lock"));
+  EXPECT_THAT(runPlain({"list"}).out, HasSubstr("120   80     60"));
+}
+
+TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
+  struct Case {
+    std::string pair, key, text;
+  };
+  const std::vector<Case> cases{
+      {"0/0", "low", "Low (systolic below 90 and diastolic below 60)"},
+      {"120/80", "normal", "Normal (systolic 90-120 and diastolic 60-80)"},
+      {"120/59", "elevated", "Elevated (systolic 120-129 and diastolic 80 or less)"},
+      {"135/95", "high", "High (systolic 130-139, or diastolic 81-89)"},
+      {"150/85", "high", "High"},
+      {"140/80", "veryHigh", "Very high (systolic 140 or more, or diastolic 90 or more)"},
+      {"100/90", "veryHigh", "Very high"},
+      {"85/70", "unreadable", "Unreadable (the pair fits no category)"},
+  };
+  for (const auto& [pair, key, text] : cases) {
+    EXPECT_THAT(succeed({"classify", pair}), ::testing::StartsWith(pair + " mmHg: " + text)) << pair;
+    EXPECT_EQ(nlohmann::json::parse(succeed({"classify", pair, "--json"}))["category"], key) << pair;
+  }
+  EXPECT_EQ(succeed({"classify", "150/85", "--json"}),
+            R"({"systolic":150,"diastolic":85,"category":"high","name":"High"})"
+            "\n");
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::testing

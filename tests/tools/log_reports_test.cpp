@@ -1,0 +1,137 @@
+// list, summary and export over one small log.
+
+#include <algorithm>
+
+#include "tool_test.hpp"
+
+namespace cardiolith::tool::testing {
+namespace {
+
+using nlohmann::json;
+using ::testing::ElementsAre;
+
+// Added out of date order, so every report has to sort. 1-8 March averages 130/85/70 and the 7 days before
+// hold one reading of 120/80/77; the one of January lies in neither.
+class LogReportsTest : public ToolTest {
+ protected:
+  LogReportsTest() {
+    succeed({"add", "128/84/68", "--at", "2026-03-02 08:00", "--tag", "Morning", "--tag", "Left arm",
+             "--note", "dizzy, \"bad\" day\nslept late"});
+    succeed({"add", "180/110/90", "--at", "2026-01-10 23:59", "--tag", "Evening"});
+    succeed({"add", "132/86/72", "--at", "2026-03-05 20:00", "--note", "tab\there"});
+    succeed({"add", "120/80/77", "--at", "2026-02-25 08:00"});
+  }
+};
+
+TEST_F(LogReportsTest, ListShowsATableNewestFirst) {
+  // A note's line break must not break its row.
+  EXPECT_EQ(succeed({"list"}),
+            "Date              Sys  Dia  Pulse  Category   Tags               Notes\n"
+            "----------------  ---  ---  -----  ---------  -----------------  ---------------------------\n"
+            "2026-03-05 20:00  132   86     72  High                          tab\there\n"
+            "2026-03-02 08:00  128   84     68  High       Left arm, Morning  dizzy, \"bad\" day slept late\n"
+            "2026-02-25 08:00  120   80     77  Normal\n"
+            "2026-01-10 23:59  180  110     90  Very high  Evening\n");
+  EXPECT_THAT(succeed({"list", "--from", "2027-01-01"}),
+              HasSubstr("No readings in that range; the log holds 4"));
+}
+
+TEST_F(LogReportsTest, ListRangesIncludeBothEndsAndTheWholeLastDay) {
+  const std::vector<std::pair<Arguments, std::vector<std::string>>> cases{
+      {{"--from", "2026-02-25"}, {"2026-03-05T20:00:00Z", "2026-03-02T08:00:00Z", "2026-02-25T08:00:00Z"}},
+      {{"--to", "2026-01-10"}, {"2026-01-10T23:59:00Z"}},
+      {{"--from", "2026-03-02 08:00", "--to", "2026-03-05 20:00"},
+       {"2026-03-05T20:00:00Z", "2026-03-02T08:00:00Z"}},
+      {{"--from", "2027-01-01"}, {}},
+  };
+  for (const auto& [options, dates] : cases) {
+    std::vector<std::string> listedDates;
+    for (const auto& reading : listed(options)) listedDates.push_back(reading["date"]);
+    EXPECT_EQ(listedDates, dates) << ::testing::PrintToString(options);
+  }
+}
+
+TEST_F(LogReportsTest, SummaryComparesThePeriodWithTheOneBefore) {
+  EXPECT_EQ(succeed({"summary", "--from", "2026-03-01", "--to", "2026-03-08"}),
+            "From 2026-03-01 to 2026-03-08 (2026-03-01 00:00 to 2026-03-08 23:59): 2 readings\n\n"
+            "Average        Systolic  Diastolic     Pulse\n"
+            "-------------  --------  ---------  --------\n"
+            "This period       130.0       85.0      70.0\n"
+            "Period before     120.0       80.0      77.0\n"
+            "Change          \u2191 +7.7%    \u2191 +5.9%  \u2193 -10.0%\n\n"
+            "Category of the average: High (systolic 130-139, or diastolic 81-89)\n");
+
+  EXPECT_EQ(
+      succeed({"summary", "--from", "2026-03-01", "--to", "2026-03-08", "--json"}),
+      R"({"start":"2026-03-01T00:00:00Z","end":"2026-03-08T23:59:59Z","readings":2,)"
+      R"("current":{"systolic":130,"diastolic":85,"pulse":70},"previous":{"systolic":120,"diastolic":80,)"
+      R"("pulse":77},"change":{"systolic":7.692308,"diastolic":5.882353,"pulse":-10},"category":"high"})"
+      "\n");
+
+  EXPECT_THAT(
+      succeed({"summary", "--from", "2026-02-25", "--to", "2026-02-25"}),
+      HasSubstr("(no readings in the period before, so no change)\n\nCategory of the average: Normal"));
+  EXPECT_THAT(
+      succeed({"summary", "--from", "2026-02-25", "--to", "2026-02-25", "--json"}),
+      HasSubstr(
+          R"("previous":null,"change":{"systolic":null,"diastolic":null,"pulse":null},"category":"normal"})"));
+}
+
+TEST_F(LogReportsTest, PeriodsCountBackFromNow) {
+  EXPECT_THAT(succeed({"summary", "--days", "3"}),
+              MatchesRegex("Last 3 days .*\nNo readings in this period.*"));
+  EXPECT_THAT(succeed({"summary", "--days", "3", "--json"}),
+              HasSubstr(R"("readings":0,"current":null,"previous":null,)"
+                        R"("change":{"systolic":null,"diastolic":null,"pulse":null},"category":null})"));
+
+  succeed({"add", "122/78/66"});
+  const auto recent = json::parse(succeed({"summary", "--json"}));
+  EXPECT_EQ(recent["readings"], 1);
+  EXPECT_EQ(recent["category"], "elevated");
+  for (const auto& [span, count] :
+       std::vector<std::pair<std::string, std::size_t>>{{"1d", 1}, {"1", 1}, {"2w", 1}, {"100000d", 5}}) {
+    EXPECT_EQ(listed({"--last", span}).size(), count) << span;
+  }
+}
+
+TEST_F(LogReportsTest, ExportWritesOneRowPerReadingOldestFirst) {
+  EXPECT_THAT(lines(succeed({"export", "--tags", "--notes"})),
+              ElementsAre("Date,Systolic,Diastolic,Pulse,Tags,Notes", "2026-01-10 23:59,180,110,90,Evening,",
+                          "2026-02-25 08:00,120,80,77,,",
+                          "2026-03-02 08:00,128,84,68,Left arm; Morning,dizzy  'bad' day slept late",
+                          "2026-03-05 20:00,132,86,72,,tab\there"));
+  EXPECT_EQ(lines(succeed({"export", "--format", "tsv", "--notes"}))[4],
+            "2026-03-05 20:00\t132\t86\t72\ttab here");
+
+  const std::vector<std::pair<Arguments, std::string>> headers{
+      {{"export"}, "Date,Systolic,Diastolic,Pulse"},
+      {{"export", "--notes"}, "Date,Systolic,Diastolic,Pulse,Notes"},
+      {{"export", "--format", "tsv", "--tags", "--notes"}, "Date\tSystolic\tDiastolic\tPulse\tTags\tNotes"},
+  };
+  for (const auto& [arguments, header] : headers) {
+    const auto rows = lines(succeed(arguments));
+    ASSERT_EQ(rows.size(), 5u);
+    EXPECT_EQ(rows[0], header);
+    const char separator = header.find('\t') == std::string::npos ? ',' : '\t';
+    for (const auto& row : rows)
+      EXPECT_EQ(std::count(row.begin(), row.end(), separator),
+                std::count(header.begin(), header.end(), separator))
+          << row;
+  }
+
+  const auto file = root_ / "export.csv";
+  EXPECT_EQ(succeed({"export", "--out", file.string()}), "Exported 4 readings to " + file.string() + "\n");
+  EXPECT_EQ(readFile(file), succeed({"export"}));
+}
+
+using EmptyLogTest = ToolTest;
+
+TEST_F(EmptyLogTest, ReportsSayHowToAddAReading) {
+  for (const auto& command : {"list", "summary"})
+    EXPECT_THAT(succeed({command}), HasSubstr("The log is empty")) << command;
+  EXPECT_THAT(succeed({"list"}), HasSubstr("cardiolith add 128/82 --pulse 71"));
+  EXPECT_EQ(succeed({"list", "--json"}), "{\"readings\":[]}\n");
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::testing

@@ -1,0 +1,148 @@
+// Every way a command refuses: the exit status (1 for a refused request, 2 for a usage error), a message
+// on standard error that says why, nothing on standard output, and the log's files as they were.
+
+#include <ostream>
+
+#include "tool_test.hpp"
+
+namespace cardiolith::tool::testing {
+namespace {
+
+struct Refusal {
+  std::string name;
+  Arguments arguments;  // "{data}" stands for the data folder
+  int exitCode;
+  std::string message;
+  friend void PrintTo(const Refusal& refusal, std::ostream* out) { *out << refusal.name; }
+};
+
+std::string expanded(std::string text, const std::filesystem::path& data) {
+  const std::string mark = "{data}";
+  for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + data.string().size()))
+    text.replace(at, mark.size(), data.string());
+  return text;
+}
+
+// A log of one reading, long ago. The clocks of Berlin skip 02:00-03:00 on 29 March 2026.
+class RefusalTest : public ToolTest, public ::testing::WithParamInterface<Refusal> {
+ protected:
+  RefusalTest() {
+    writeFile(readingsFile_,
+              R"({"readings":[{"id":"old","date":0,"systolic":120,"diastolic":80,"pulse":60}]})");
+    environment_["TZ"] = "Europe/Berlin";
+  }
+};
+
+TEST_P(RefusalTest, ExplainsAndChangesNothing) {
+  const std::string log = readFile(readingsFile_);
+  Arguments arguments;
+  for (const auto& argument : GetParam().arguments) arguments.push_back(expanded(argument, data_));
+  const auto result = run(arguments);
+  EXPECT_EQ(result.exitCode, GetParam().exitCode);
+  EXPECT_THAT(result.err, HasSubstr(expanded(GetParam().message, data_)));
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(readFile(readingsFile_), log);
+  EXPECT_FALSE(std::filesystem::exists(tagsFile_));
+}
+
+const std::string kNotAReading = " is not a blood-pressure reading; write systolic/diastolic";
+const std::string kNotAPair = " is not a blood-pressure pair; write systolic/diastolic";
+const std::string kReversed = "the range ends before it starts";
+const std::string kOverTheLog = "won't write over {data}/readings";
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, RefusalTest,
+    ::testing::ValuesIn(std::vector<Refusal>{
+        {"AddWithoutSlash", {"add", "128-82", "-p", "70"}, 1, "\"128-82\"" + kNotAReading},
+        {"AddFourNumbers", {"add", "128/82/70/1"}, 1, kNotAReading},
+        {"AddHugeNumber", {"add", "99999999999999999999/82", "-p", "70"}, 1, kNotAReading},
+        {"AddWithoutPulse", {"add", "128/82"}, 1, "the pulse is missing"},
+        {"AddTwoPulses", {"add", "128/82/70", "-p", "71"}, 1, "the pulse is given twice"},
+        {"AddAboveEveryRange",
+         {"add", "301/201", "-p", "251"},
+         1,
+         "not added: the systolic pressure 301 is outside 40-300 mmHg; the diastolic pressure 201 is "
+         "outside 20-200 mmHg; the pulse 251 is outside 20-250 beats per minute.\nCheck the reading, or add "
+         "--force"},
+        {"AddBelowEveryRange",
+         {"add", "39/19", "-p", "19"},
+         1,
+         "the systolic pressure 39 is outside 40-300 mmHg; the diastolic pressure 19 is outside 20-200 "
+         "mmHg; the pulse 19 is outside 20-250"},
+        {"AddEqualPressures",
+         {"add", "100/100", "-p", "70"},
+         1,
+         "100 is not below the systolic pressure 100"},
+        {"AddFutureDate", {"add", "120/80", "-p", "70", "--at", "2099-01-01"}, 1, "is in the future"},
+        {"AddUnknownTag",
+         {"add", "120/80/70", "--tag", "Moring"},
+         1,
+         "there is no tag \"Moring\"; the tags are: \"After medication\", \"Afternoon\", \"Before "
+         "medication\", \"Evening\","},
+        {"AddDots", {"add", "120/80/70", "--at", "20.11.2026"}, 1, "--at: \"20.11.2026\" is not a date"},
+        {"AddShortHour", {"add", "120/80/70", "--at", "2026-11-20 7:45"}, 1, "is not a date"},
+        {"AddFeb29", {"add", "120/80/70", "--at", "2025-02-29"}, 1, "\"2025-02-29\" is not a day"},
+        {"AddHour24", {"add", "120/80/70", "--at", "2026-11-20 24:00"}, 1, "24:00 is not a time of day"},
+        {"AddSkippedTime", {"add", "120/80/70", "--at", "2026-03-29 02:30"}, 1, "does not exist in the"},
+        {"ListBadFrom", {"list", "--from", "yesterday"}, 1, "--from: \"yesterday\" is not a date"},
+        {"ListApril31", {"list", "--to", "2026-04-31"}, 1, "--to: \"2026-04-31\" is not a day"},
+        {"ListBadSpan", {"list", "--last", "7x"}, 1, "--last: \"7x\" is not a span of days"},
+        {"ListZeroSpan", {"list", "--last", "0d"}, 1, "is not a span of days"},
+        {"ListReversed", {"list", "--from", "2026-11-20", "--to", "2026-11-19"}, 1, kReversed},
+        {"ListLastAndFrom", {"list", "--last", "7d", "--from", "2026-11-01"}, 2, "excludes"},
+        {"SummaryZeroDays", {"summary", "--days", "0"}, 2, "--days"},
+        {"SummaryToAlone", {"summary", "--to", "2026-03-08"}, 2, "--to requires --from"},
+        {"SummaryDaysAndFrom", {"summary", "--days", "7", "--from", "2026-03-01"}, 2, "excludes"},
+        {"SummaryReversed", {"summary", "--from", "2026-03-08", "--to", "2026-03-01"}, 1, kReversed},
+        {"ClassifyWithPulse", {"classify", "135/95/70"}, 1, kNotAPair},
+        {"ClassifyNegative", {"classify", "135/-95"}, 1, kNotAPair},
+        {"ExportUnknownFormat", {"export", "--format", "xlsx"}, 2, "--format"},
+        {"ExportIntoNoFolder", {"export", "--out", "{data}/no/x.csv"}, 1, "couldn't write {data}/no/x.csv"},
+        {"ExportOverTheLog", {"export", "--out", "{data}/./readings"}, 1, kOverTheLog},
+        {"ChartOverTheLog", {"chart", "--days", "9999", "--out", "{data}/./readings"}, 1, kOverTheLog},
+        {"ChartEmptyPeriod", {"chart", "--out", "{data}/chart.svg"}, 1, "no readings in the last 30 days"},
+        {"SampleOverALog", {"sample"}, 1, "already holds 1 readings, and sample readings would mix"},
+        {"SampleNone", {"sample", "--count", "0"}, 2, "--count"},
+        {"SampleNoVariance", {"sample", "--variance", "0"}, 2, "--variance"},
+        {"TagsTakenInOtherCase", {"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
+        {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that isn't blank"},
+        {"TagsShortColour", {"tags", "add", "Walk", "--color", "abc"}, 1, "--color: \"abc\" is not a colour"},
+        {"TagsColourNotHex", {"tags", "add", "Walk", "--color", "12345g"}, 1, "is not a colour"},
+        {"TagsRenameToTaken", {"tags", "rename", "Morning", "Evening"}, 1, "already a tag \"Evening\""},
+        {"TagsRenameUnknown", {"tags", "rename", "Lunch", "Tea"}, 1, "no tag \"Lunch\"; the tags are: "},
+        {"TagsDeleteUnknown", {"tags", "delete", "Breakfast"}, 1, "there is no tag \"Breakfast\""},
+        {"UnknownCommand", {"frobnicate"}, 2, "frobnicate"}}),
+    [](const auto& info) { return info.param.name; });
+
+using DamagedFilesTest = ToolTest;
+
+TEST_F(DamagedFilesTest, AreNamedInTheMessageAndLeftUntouched) {
+  const std::string readings = R"({"readings":[{"id":"A","date":1,"systolic":120)";
+  const std::string tags = R"([{"id": broken)";
+  writeFile(readingsFile_, readings);
+  writeFile(tagsFile_, tags);
+  const auto unreadable =
+      HasSubstr("can't read the readings file " + readingsFile_.string() + ": invalid JSON");
+  const auto unchanged =
+      ::testing::AllOf(unreadable, HasSubstr("\nNothing was changed: the file is left exactly as it is."));
+  const std::vector<std::pair<Arguments, ::testing::Matcher<std::string>>> cases{
+      {{"add", "120/80/60"}, unchanged},
+      {{"sample", "--force"}, unchanged},
+      {{"list"}, unreadable},
+      {{"summary"}, unreadable},
+      {{"export"}, unreadable},
+      {{"chart", "--out", (root_ / "chart.svg").string()}, unreadable},
+      {{"tags", "add", "Walk"},
+       HasSubstr("can't read the tags file " + tagsFile_.string() + "; nothing was changed")},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const auto result = run(arguments);
+    EXPECT_EQ(result.exitCode, 1) << arguments[0];
+    EXPECT_THAT(result.err, message) << arguments[0];
+    EXPECT_EQ(readFile(readingsFile_), readings);
+    EXPECT_EQ(readFile(tagsFile_), tags);
+  }
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::testing

@@ -1,9 +1,9 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "cardiolith/model/json.hpp"
+#include "error_message.hpp"
 
 namespace cardiolith {
 namespace {
@@ -20,15 +20,6 @@ std::shared_ptr<Reading> decodedReading(std::string id, double date, std::option
                           healthKitID);
 }
 
-void expectSameReadings(const ReadingList& actual, const ReadingList& expected) {
-  ASSERT_EQ(actual.size(), expected.size());
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    EXPECT_TRUE(*actual[i] == *expected[i]) << "reading " << i;
-    EXPECT_EQ(actual[i]->notes(), expected[i]->notes()) << "reading " << i << ": notes byte for byte";
-    EXPECT_EQ(actual[i]->tagIDs(), expected[i]->tagIDs()) << "reading " << i;
-  }
-}
-
 TEST(ReadingsJsonTest, WritesMembersInOrderAndLeavesAbsentOnesOut) {
   const Readings readings{{decodedReading("bare", 1.5, std::nullopt, std::nullopt, std::nullopt),
                            decodedReading("full", -2, "", std::set<UUID>{kTagB, kTagA}, kHealthKitID)}};
@@ -40,33 +31,38 @@ TEST(ReadingsJsonTest, WritesMembersInOrderAndLeavesAbsentOnesOut) {
             R"("healthKitID":{"bloodPressureUUID":"AAAAAAAA-BBBB-4CCC-8DDD-EEEEEEEEEEEE",)"
             R"("heartRateUUID":"12345678-9ABC-4DEF-8123-456789ABCDEF"}}]})");
   EXPECT_EQ(json::encode(Readings{}), R"({"readings":[]})");
-  EXPECT_TRUE(json::decode<Readings>(R"({"readings":[]})").readings.empty());
 }
 
 TEST(ReadingsJsonTest, RoundTripsEveryCombinationOfOptionalMembersAndExtremeValues) {
   const std::optional<std::string> notesCases[] = {std::nullopt, "", "took it twice"};
-  const std::optional<std::set<UUID>> tagCases[] = {std::nullopt, std::set<UUID>{},
-                                                    std::set<UUID>{kTagA, kTagB}};
+  const std::optional<std::set<UUID>> tagCases[] = {std::nullopt, std::set<UUID>{}, std::set{kTagA, kTagB}};
   const std::optional<Reading::HealthKitID> healthKitCases[] = {std::nullopt, kHealthKitID};
   Readings readings;
   for (const auto& notes : notesCases) {
     for (const auto& tagIDs : tagCases) {
       for (const auto& healthKitID : healthKitCases) {
-        const double date = 7e8 + static_cast<double>(readings.readings.size()) / 3;
+        const auto index = readings.readings.size();
         readings.readings.push_back(
-            decodedReading("R" + std::to_string(readings.readings.size()), date, notes, tagIDs, healthKitID));
+            decodedReading("R" + std::to_string(index), 7e8 + index / 3.0, notes, tagIDs, healthKitID));
       }
     }
   }
   // Dates read back as the same double, integers at both ends of their range.
-  for (const double date : {0.1, -1e-300, 5e-324, 1e21, std::numeric_limits<double>::max(), -0.0}) {
+  for (const double date : {0.1, -1e-300, 5e-324, 1e21, std::numeric_limits<double>::max(), -0.0})
     readings.readings.push_back(decodedReading("d", date, {}, {}, {}));
-  }
   readings.readings.push_back(Reading::decoded("i", Date(0), std::numeric_limits<std::int64_t>::min(),
                                                std::numeric_limits<std::int64_t>::max(), -1, {}, {}, {}));
+
   const std::string text = json::encode(readings);
-  expectSameReadings(json::decode<Readings>(text).readings, readings.readings);
-  EXPECT_EQ(json::encode(json::decode<Readings>(text)), text);
+  const Readings decoded = json::decode<Readings>(text);
+  ASSERT_EQ(decoded.readings.size(), readings.readings.size());
+  for (std::size_t i = 0; i < readings.readings.size(); ++i) {
+    EXPECT_TRUE(*decoded.readings[i] == *readings.readings[i]) << "reading " << i;
+    EXPECT_EQ(decoded.readings[i]->notes(), readings.readings[i]->notes())
+        << "reading " << i << ", byte for byte";
+    EXPECT_EQ(decoded.readings[i]->tagIDs(), readings.readings[i]->tagIDs()) << "reading " << i;
+  }
+  EXPECT_EQ(json::encode(decoded), text);
 }
 
 TEST(ReadingsJsonTest, ReadsTheFormsOtherWritersProduce) {
@@ -86,32 +82,28 @@ TEST(ReadingsJsonTest, ReadsTheFormsOtherWritersProduce) {
   ASSERT_EQ(readings.size(), 2u);
   EXPECT_TRUE(*readings[0] == *Reading::decoded("a", Date(6e8), 110, 70, 60, {}, {}, {}));
   EXPECT_FALSE(readings[0]->tagIDs().has_value());
-  EXPECT_EQ(readings[1]->date(), Date(6.5e8));
+  EXPECT_TRUE(*readings[1] ==
+              *Reading::decoded("b", Date(6.5e8), 0, 0, 0, "the last one wins", {}, kHealthKitID));
   EXPECT_EQ(readings[1]->tagIDs(), (std::set<UUID>{kTagA, kTagB}));
-  EXPECT_EQ(readings[1]->healthKitID(), kHealthKitID);
-  EXPECT_EQ(readings[1]->notes(), "the last one wins");
 }
 
-// A good reading object with the given text spliced in after its last member, in a document.
-std::string withMember(std::string_view extra) {
-  return R"({"readings":[{"id":"r","date":1,"systolic":120,"diastolic":80,"pulse":70)" + std::string(extra) +
-         "}]}";
+// A document whose reading at `index` has the given text spliced in after its last member.
+std::string withMember(std::string_view extra, int index = 0) {
+  const std::string reading = R"({"id":"r","date":1,"systolic":120,"diastolic":80,"pulse":70)";
+  std::string text = R"({"readings":[)";
+  for (int i = 0; i < index; ++i) text += reading + "},";
+  return text + reading + std::string(extra) + "}]}";
 }
 
 std::string decodingError(const std::string& text) {
-  try {
-    json::decode<Readings>(text);
-  } catch (const DecodingError& error) {
-    return error.what();
-  }
-  return "decoded without error";
+  return testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); });
 }
 
 TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberAndTheFault) {
   const std::string uuid = "0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F";
   const std::pair<std::string, std::string> cases[] = {
       {R"({"readings":[{"id":"b","date":1,"systolic":1,"diastolic":1}]})", "readings[0].pulse: missing"},
-      {withMember(R"(,"pulse":1.5)"), "readings[0].pulse: 1.5 is not an integer"},
+      {withMember(R"(,"pulse":1.5)", 41), "readings[41].pulse: 1.5 is not an integer"},
       {withMember(R"(,"systolic":120.0)"), "readings[0].systolic: 120.0 is not an integer"},
       {withMember(R"(,"pulse":9223372036854775808)"),
        "readings[0].pulse: 9223372036854775808 is out of the signed 64-bit range"},
@@ -120,14 +112,11 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberAndTheFault) {
       {withMember(R"(,"date":1e400)"), "readings[0].date: 1e400 is out of the range of a double"},
       {withMember(R"(,"tagIDs":[")" + uuid + R"(",{}])"),
        "readings[0].tagIDs[1]: expected a UUID string, found an object"},
-      {withMember(R"(,"tagIDs":[")" + uuid + R"(","xyz"])"), R"(readings[0].tagIDs[1]: "xyz" is not a UUID)"},
       {withMember(R"(,"tagIDs":[")" + uuid + R"(-and-a-long-tail"])"),
        R"(readings[0].tagIDs[0]: "0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F-an... is not a UUID)"},
-      {withMember(R"(,"healthKitID":{"bloodPressureUUID":")" + uuid + R"("})"),
-       "readings[0].healthKitID.heartRateUUID: missing"},
-      {withMember(R"(,"healthKitID":[])"), "readings[0].healthKitID: expected an object, found an array"},
+      {withMember(R"(,"healthKitID":{"bloodPressureUUID":")" + uuid + R"("})", 12),
+       "readings[12].healthKitID.heartRateUUID: missing"},
       {R"({"readings":[3]})", "readings[0]: expected an object, found a number"},
-      {R"({"readings":null})", "readings: expected an array, found null"},
       {R"({"Readings":[]})", "readings: missing"},
       {"[]", "document: expected an object, found an array"},
   };
@@ -138,28 +127,22 @@ TEST(ReadingsJsonTest, FailsOnTextThatIsNotJsonWithTheByteOffset) {
   const std::string structure =
       ": The JSON document has an improper structure: missing or superfluous commas, braces, missing keys, "
       "etc.";
-  const std::string unclosed = ": the document must end with the '}' that closes its top-level object";
   // withMember("") has its spliced text at byte 72.
   const std::pair<std::string, std::string> cases[] = {
       {"", "invalid JSON at byte 0: no JSON value"},
       {R"({"readings" []})", "invalid JSON at byte 12" + structure},
-      {R"({"readings":[]} x)", "invalid JSON at byte 16" + unclosed},
-      {R"({"readings":[])", "invalid JSON at byte 13" + unclosed},
+      {R"({"readings":[])",
+       "invalid JSON at byte 13: the document must end with the '}' that closes its top-level object"},
       {R"({"readings":[]}})", "invalid JSON at byte 15: unexpected content after the top-level value"},
-      {R"({"readings":[{"id":"r","date":1,"systolic":120,"diastolic":80,"pulse":70},]})",
-       "invalid JSON at byte 74" + structure},
       {withMember(",\"notes\":\"caf\xC3\""), "invalid JSON at byte 85: invalid UTF-8"},
       {withMember(",\"notes\":\"line\nbreak\""),
        "invalid JSON at byte 86: control character in a string (it must be escaped)"},
       {R"({"readings":[], "x":"never closed})", "invalid JSON at byte 20: string is never closed"},
-      {withMember(R"(,"notes":"\q")"), "invalid JSON at byte 81: Problem while parsing a string"},
       {withMember(R"(,"notes":"\ud800")"), "invalid JSON at byte 81: Problem while parsing a string"},
       {withMember(R"(,"pulse":07)"), "invalid JSON at byte 81: Problem while parsing a number"},
-      {withMember(R"(,"id":nul)"), "invalid JSON at byte 78: malformed literal (true, false or null)"},
       // Ignored members are checked too.
       {withMember(R"(,"extra":[tru])"), "invalid JSON at byte 82: malformed literal (true, false or null)"},
       {withMember(R"(,"extra":1:2)"), "invalid JSON at byte 82" + structure},
-      {withMember(R"(,"notes":"x":"y")"), "invalid JSON at byte 84" + structure},
       {withMember(R"(,"extra":)" + std::string(2000, '[') + std::string(2000, ']')),
        "invalid JSON at byte 1100: nested more than 1023 levels deep"},
   };

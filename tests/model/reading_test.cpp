@@ -1,106 +1,119 @@
 #include "cardiolith/model/reading.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
+
+#include "cardiolith/model/collection.hpp"
 
 namespace cardiolith {
 namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 const UUID kFirst = *UUID::parse("11111111-1111-4111-8111-111111111111");
 const UUID kSecond = *UUID::parse("22222222-2222-4222-8222-222222222222");
 
 struct Fields {
-  std::string id = "E621E1F8-C36C-495A-93FC-0C247A3E6E5F";
+  std::string id = "caf\u00e9";
   Date date = Date(700000000.25);
   std::int64_t systolic = 120, diastolic = 80, pulse = 70;
-  std::optional<std::string> notes = "after coffee";
+  std::optional<std::string> notes = "cr\u00e8me br\u00fbl\u00e9e";
   std::optional<Reading::HealthKitID> healthKitID = Reading::HealthKitID{kFirst, kSecond};
   std::optional<std::set<UUID>> tagIDs = std::set<UUID>{kFirst};
 
   Reading make() const { return Reading(id, date, systolic, diastolic, pulse, notes, healthKitID, tagIDs); }
 };
 
-TEST(ReadingTest, ConstructorStoresEmptyNotesAsAbsentAndKeepsEverythingElse) {
-  Fields fields;
-  fields.notes = "";
-  fields.tagIDs = std::set<UUID>{};
-  const Reading reading = fields.make();
-  EXPECT_FALSE(reading.notes().has_value());
-  ASSERT_TRUE(reading.tagIDs().has_value());
-  EXPECT_TRUE(reading.tagIDs()->empty());
-  EXPECT_EQ(reading.healthKitID(), fields.healthKitID);
-
-  fields.notes = " ";
-  EXPECT_EQ(fields.make().notes(), " ");
-}
-
-TEST(ReadingTest, MeanArterialPressureTruncatesTowardZero) {
-  struct Case {
-    std::int64_t systolic, diastolic, expected;
+TEST(ReadingTest, EqualityComparesAllButTheTagsWithTextUnderCanonicalEquivalence) {
+  struct Change {
+    const char* name;
+    bool equal;
+    std::function<void(Fields&)> apply;
   };
-  const Case cases[] = {{120, 80, 93}, {121, 80, 93}, {119, 80, 93}, {0, 0, 0},   {1, 1, 1},
-                        {2, 0, 0},     {-2, 0, 0},    {-1, -1, -1},  {-4, 0, -1}, {180, 120, 140}};
-  for (const auto& c : cases) {
-    Fields fields;
-    fields.systolic = c.systolic;
-    fields.diastolic = c.diastolic;
-    EXPECT_EQ(fields.make().meanArterialPressure(), c.expected) << c.systolic << "/" << c.diastolic;
-  }
-}
-
-TEST(ReadingTest, EqualityIgnoresTagsOnly) {
+  const Change changes[] = {
+      {"id", false, [](Fields& f) { f.id = "cafe"; }},
+      {"date", false, [](Fields& f) { f.date = f.date.addingTimeInterval(0.001); }},
+      {"systolic", false, [](Fields& f) { ++f.systolic; }},
+      {"diastolic", false, [](Fields& f) { ++f.diastolic; }},
+      {"pulse", false, [](Fields& f) { ++f.pulse; }},
+      {"notes text", false, [](Fields& f) { f.notes = "cr\u00e8me br\u00fbl\u00e8e"; }},  // grave, not acute
+      {"notes absent", false, [](Fields& f) { f.notes = std::nullopt; }},
+      {"healthKitID absent", false, [](Fields& f) { f.healthKitID = std::nullopt; }},
+      {"heartRateUUID", false, [](Fields& f) { f.healthKitID->heartRateUUID = kFirst; }},
+      {"bloodPressureUUID", false, [](Fields& f) { f.healthKitID->bloodPressureUUID = kSecond; }},
+      {"tags", true, [](Fields& f) { f.tagIDs = std::nullopt; }},
+      {"decomposed id and notes", true,
+       [](Fields& f) {
+         f.id = "cafe\u0301";
+         f.notes = "cre\u0300me bru\u0302le\u0301e";
+       }},
+  };
   const Reading base = Fields{}.make();
-  Fields otherTags;
-  otherTags.tagIDs = std::nullopt;
-  EXPECT_TRUE(base == otherTags.make());
-
-  const std::vector<std::pair<const char*, std::function<void(Fields&)>>> changes = {
-      {"id", [](Fields& f) { f.id = "other"; }},
-      {"date", [](Fields& f) { f.date = f.date.addingTimeInterval(0.001); }},
-      {"systolic", [](Fields& f) { ++f.systolic; }},
-      {"diastolic", [](Fields& f) { ++f.diastolic; }},
-      {"pulse", [](Fields& f) { ++f.pulse; }},
-      {"notes text", [](Fields& f) { f.notes = "after tea"; }},
-      {"notes absent", [](Fields& f) { f.notes = std::nullopt; }},
-      {"healthKitID absent", [](Fields& f) { f.healthKitID = std::nullopt; }},
-      {"heartRateUUID", [](Fields& f) { f.healthKitID->heartRateUUID = kFirst; }},
-      {"bloodPressureUUID", [](Fields& f) { f.healthKitID->bloodPressureUUID = kSecond; }},
-  };
-  for (const auto& [name, change] : changes) {
+  for (const auto& change : changes) {
     Fields fields;
-    change(fields);
+    change.apply(fields);
     const Reading changed = fields.make();
-    EXPECT_FALSE(base == changed) << name;
-    if (fields.id == Fields{}.id) {
-      EXPECT_EQ(base.hashValue(), changed.hashValue()) << name << ": only the id is hashed";
+    EXPECT_EQ(base == changed, change.equal) << change.name;
+    // Only the id is hashed, so every reading equal to the base, or with its id, hashes alike.
+    if (change.equal || fields.id == Fields{}.id) {
+      EXPECT_EQ(std::hash<Reading>{}(changed), base.hashValue()) << change.name;
     }
   }
 }
 
-TEST(ReadingTest, DecodedReadingsKeepEmptyNotesWhichDifferFromAbsentOnes) {
-  const auto empty = Reading::decoded("x", Date(1), 1, 2, 3, "", std::nullopt, std::nullopt);
-  const auto absent = Reading::decoded("x", Date(1), 1, 2, 3, std::nullopt, std::nullopt, std::nullopt);
-  EXPECT_EQ(empty->notes(), "");
-  EXPECT_FALSE(*absent == *empty);
+TEST(ReadingTest, OnlyADecodedReadingKeepsEmptyNotes) {
+  Fields empty;
+  empty.notes = "";
+  EXPECT_FALSE(empty.make().notes().has_value());
+  const auto decoded = Reading::decoded("x", Date(1), 1, 2, 3, "", std::nullopt, std::nullopt);
+  EXPECT_EQ(decoded->notes(), "");
+  EXPECT_FALSE(*decoded ==
+               *Reading::decoded("x", Date(1), 1, 2, 3, std::nullopt, std::nullopt, std::nullopt));
 }
 
-TEST(ReadingTest, TextComparesAndHashesUnderCanonicalEquivalence) {
-  Fields precomposed;
-  precomposed.id = "caf\u00e9";
-  precomposed.notes = "cr\u00e8me br\u00fbl\u00e9e";
-  Fields decomposed;
-  decomposed.id = "cafe\u0301";
-  decomposed.notes = "cre\u0300me bru\u0302le\u0301e";
+TEST(ReadingTest, MeanArterialPressureTruncatesTowardZero) {
+  const std::int64_t cases[][3] = {{120, 80, 93}, {121, 80, 93}, {119, 80, 93}, {2, 0, 0},
+                                   {-2, 0, 0},    {-1, -1, -1},  {-4, 0, -1}};
+  for (const auto& [systolic, diastolic, expected] : cases) {
+    Fields fields;
+    fields.systolic = systolic;
+    fields.diastolic = diastolic;
+    EXPECT_EQ(fields.make().meanArterialPressure(), expected) << systolic << "/" << diastolic;
+  }
+}
 
-  const Reading a = precomposed.make();
-  const Reading b = decomposed.make();
-  EXPECT_TRUE(a == b);
-  EXPECT_EQ(a.hashValue(), b.hashValue());
-  EXPECT_EQ(std::hash<Reading>{}(a), a.hashValue());
+std::shared_ptr<Reading> readingAt(double seconds, std::int64_t value = 0) {
+  return Reading::decoded("r", Date(seconds), value, value + 1, value + 2, {}, {}, {});
+}
 
-  decomposed.notes = "cre\u0300me bru\u0302le\u0300e";  // grave, not acute, on the last letter
-  EXPECT_FALSE(a == decomposed.make());
+std::vector<double> datesOf(const ReadingList& readings) {
+  std::vector<double> dates;
+  for (const auto& reading : readings) dates.push_back(reading->date().timeIntervalSinceReferenceDate());
+  return dates;
+}
+
+TEST(CollectionTest, FilteredKeepsBothBoundsAndInputOrder) {
+  const ReadingList readings = {readingAt(30),     readingAt(9.999), readingAt(10), readingAt(20),
+                                readingAt(20.001), readingAt(15),    readingAt(10)};
+  const auto result = filtered(readings, Date(10), Date(20));
+  EXPECT_THAT(datesOf(result), ElementsAre(10, 20, 15, 10));
+  EXPECT_EQ(result[0], readings[2]) << "the result shares the readings, it does not copy them";
+  EXPECT_THAT(datesOf(filtered(readings, Date(10), Date(10))), ElementsAre(10, 10));
+  EXPECT_THAT(filtered(readings, Date(11), Date(10)), IsEmpty());
+  // Each bound drops only what is provably beyond it, so a date unordered with both (NaN) stays.
+  EXPECT_EQ(filtered({readingAt(std::numeric_limits<double>::quiet_NaN())}, Date(0), Date(1)).size(), 1u);
+}
+
+TEST(CollectionTest, GetAllValuesProjectsEveryReadingInOrder) {
+  const ReadingList readings = {readingAt(1, 120), readingAt(2, 130), readingAt(3, 120)};
+  EXPECT_THAT(getAllValues(readings, Reading::ValueType::systolic), ElementsAre(120, 130, 120));
+  EXPECT_THAT(getAllValues(readings, Reading::ValueType::diastolic), ElementsAre(121, 131, 121));
+  EXPECT_THAT(getAllValues(readings, Reading::ValueType::pulse), ElementsAre(122, 132, 122));
+  EXPECT_THAT(getAllValues({}, Reading::ValueType::pulse), IsEmpty());
 }
 
 }  // namespace

@@ -11,36 +11,33 @@
 namespace cardiolith {
 namespace {
 
-TEST(PublisherTest, DeliversToSubscribersInOrderUntilCancelled) {
-  Publisher<std::string, int> publisher;
+TEST(PublisherTest, DeliversInSubscriptionOrderUntilCancelled) {
   std::vector<std::string> heard;
-  auto first = publisher.subscribe([&](const std::string& s, const int& n) { heard.push_back("1:" + s + std::to_string(n)); });
-  auto second = publisher.subscribe([&](const std::string& s, const int& n) { heard.push_back("2:" + s + std::to_string(n)); });
-  publisher.send("a", 1);
-  first.cancel();
-  publisher.send("b", 2);
-  second = Subscription();  // assigning over a subscription cancels it
-  publisher.send("c", 3);
-  EXPECT_EQ(heard, (std::vector<std::string>{"1:a1", "2:a1", "2:b2"}));
-}
-
-TEST(PublisherTest, SubscriberMayCancelItselfAndOutliveThePublisher) {
+  const auto listener = [&heard](std::string name) {
+    return [&heard, name](const std::string& text, const int& n) {
+      heard.push_back(name + text + std::to_string(n));
+    };
+  };
   Subscription survivor;
-  int calls = 0;
   {
-    Publisher<> publisher;
+    Publisher<std::string, int> publisher;
     std::optional<Subscription> self;
-    self = publisher.subscribe([&] {
-      ++calls;
-      self->cancel();
+    self = publisher.subscribe([&](const std::string& text, const int& n) {
+      listener("self:")(text, n);
+      self->cancel();  // from its own callback
     });
-    survivor = publisher.subscribe([] {});
-    publisher.send();
-    publisher.send();
+    auto first = publisher.subscribe(listener("1:"));
+    auto second = publisher.subscribe(listener("2:"));
+    survivor = publisher.subscribe(listener("3:"));
+    publisher.send("a", 1);
+    first.cancel();
+    publisher.send("b", 2);
+    second = Subscription();  // assigning over a subscription cancels it
+    publisher.send("c", 3);
     EXPECT_EQ(publisher.subscriberCount(), 1u);
   }
   survivor.cancel();  // the publisher is gone: nothing to do, and no crash
-  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(heard, (std::vector<std::string>{"self:a1", "1:a1", "2:a1", "3:a1", "2:b2", "3:b2", "3:c3"}));
 }
 
 TEST(ObservableObjectConcurrencyTest, LazyPublisherIsMadeOnceUnderRacingFirstUse) {
@@ -51,11 +48,11 @@ TEST(ObservableObjectConcurrencyTest, LazyPublisherIsMadeOnceUnderRacingFirstUse
     Observed object;
     std::atomic<int> heard{0};
     std::vector<Subscription> subscriptions(4);
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (auto& subscription : subscriptions) {
       threads.emplace_back([&] { subscription = object.objectWillChange().subscribe([&] { ++heard; }); });
     }
-    for (auto& thread : threads) thread.join();
+    threads.clear();  // joins
     object.change();
     EXPECT_EQ(heard.load(), 4);
   }

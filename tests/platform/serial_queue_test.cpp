@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <latch>
+#include <numeric>
 #include <stdexcept>
 #include <vector>
 
@@ -11,50 +13,45 @@
 namespace cardiolith::detail {
 namespace {
 
-TEST(SerialQueueConcurrencyTest, RunsTasksInOrderOffTheCallersThreadAndDrainsOnDestruction) {
+TEST(SerialQueueConcurrencyTest, RunsTasksInOrderOnItsOwnNamedThreadAndDrainsOnDestruction) {
   std::vector<int> order;
-  std::thread::id worker;
+  std::future<std::string> seenFromTask;
   {
     SerialQueue queue("a-long-queue-label-here");
-    for (int i = 0; i < 100; ++i) {
-      queue.async([&order, &worker, i] {
-        worker = std::this_thread::get_id();
-        order.push_back(i);
-      });
-    }
-  }  // destruction runs everything queued
-  ASSERT_EQ(order.size(), 100u);
-  for (int i = 0; i < 100; ++i) EXPECT_EQ(order[i], i);
-  EXPECT_NE(worker, std::this_thread::get_id());
+    std::latch opened{1};
+    queue.async([&] { opened.wait(); });  // keeps everything below queued until just before destruction
+    for (int i = 0; i < 100; ++i) queue.async([&order, i] { order.push_back(i); });
+    seenFromTask = queue.submit([&] {
+      char name[16] = {};
+      pthread_getname_np(pthread_self(), name, sizeof name);
+      return std::string(name) + (queue.isCurrent() ? " (current)" : "");
+    });
+    EXPECT_FALSE(queue.isCurrent());
+    opened.count_down();
+  }
+  std::vector<int> expected(100);
+  std::iota(expected.begin(), expected.end(), 0);
+  EXPECT_EQ(order, expected);
+  EXPECT_EQ(seenFromTask.get(), "a-long-queue-la (current)");  // the label cut to 15 characters
 }
 
-TEST(SerialQueueConcurrencyTest, SubmitCarriesResultsAndExceptionsAndNamesTheThread) {
-  SerialQueue queue("analytics", SerialQueue::Priority::utility);
-  auto name = queue.submit([] {
-    char buffer[16] = {};
-    pthread_getname_np(pthread_self(), buffer, sizeof buffer);
-    return std::string(buffer);
-  });
-  auto failure = queue.submit([]() -> int { throw std::runtime_error("boom"); });
-  EXPECT_EQ(name.get(), "analytics");
-  EXPECT_THROW(failure.get(), std::runtime_error);
-}
-
-TEST(SerialQueueConcurrencyTest, AFailingAsyncTaskIsLoggedAndLaterTasksStillRun) {
+TEST(SerialQueueConcurrencyTest, ExceptionsReachTheFutureOrTheLogAndLaterTasksStillRun) {
   std::vector<std::string> faults;
   Logger::setHandler([&](const LogRecord& record) {
     if (record.level == LogLevel::fault) faults.emplace_back(record.message);
   });
-  bool laterRan = false;
+  std::future<int> failed;
+  std::future<int> later;
   {
     SerialQueue queue("failing");
+    failed = queue.submit([]() -> int { throw std::runtime_error("boom"); });
     queue.async([] { throw std::runtime_error("broken task"); });
-    queue.async([&] { laterRan = true; });
+    later = queue.submit([] { return 1; });
   }
   Logger::setHandler(nullptr);
-  EXPECT_TRUE(laterRan);
-  ASSERT_EQ(faults.size(), 1u);
-  EXPECT_NE(faults[0].find("broken task"), std::string::npos);
+  EXPECT_THROW(failed.get(), std::runtime_error);
+  EXPECT_EQ(later.get(), 1);
+  EXPECT_EQ(faults, std::vector<std::string>{"Task on queue \"failing\" failed: broken task"});
 }
 
 }  // namespace

@@ -12,17 +12,12 @@ TEST(UUIDTest, ParsesOnlyTheCanonicalFormInEitherCaseAndWritesUpperCase) {
   const struct {
     const char* text;
     bool parses;
-  } cases[] = {{"96FEBCCC-8368-4D94-B24B-495782725DF5", true},
-               {"96febccc-8368-4d94-b24b-495782725df5", true},
-               {"96FEbccc-8368-4d94-B24B-495782725dF5", true},
-               {"{96FEBCCC-8368-4D94-B24B-495782725DF5}", false},
-               {"96FEBCCC83684D94B24B495782725DF5", false},
-               {" 96FEBCCC-8368-4D94-B24B-495782725DF5", false},
-               {"96FEBCCC-8368-4D94-B24B-495782725DF5 ", false},
-               {"96FEBCCC-8368-4D94-B24B-495782725DFG", false},
-               {"96FEBCCC-8368-4D94-B24B+495782725DF5", false},
-               {"96FEBCC-C8368-4D94-B24B-495782725DF5", false},
-               {"", false}};
+  } cases[] = {
+      {"96FEBCCC-8368-4D94-B24B-495782725DF5", true},  {"96febccc-8368-4d94-b24b-495782725df5", true},
+      {"96FEbccc-8368-4d94-B24B-495782725dF5", true},  {"{96FEBCCC-8368-4D94-B24B-495782725DF5}", false},
+      {"96FEBCCC83684D94B24B495782725DF5", false},     {" 96FEBCCC-8368-4D94-B24B-495782725DF5", false},
+      {"96FEBCCC-8368-4D94-B24B-495782725DFG", false}, {"96FEBCCC-8368-4D94-B24B+495782725DF5", false},
+      {"96FEBCC-C8368-4D94-B24B-495782725DF5", false}, {"", false}};
   for (const auto& [text, parses] : cases) {
     const auto uuid = UUID::parse(text);
     EXPECT_EQ(uuid ? uuid->uuidString() : "", parses ? canonical : "") << text;

@@ -36,7 +36,7 @@ class Subscription {
   std::function<void()> cancel_;
 };
 
-// A thread-safe stand-in for a Combine subject: subscribers are called synchronously, on the sending
+// A thread-safe publish/subscribe subject: subscribers are called synchronously, on the sending
 // thread, in subscription order. A subscriber may cancel itself, or subscribe others, from its callback.
 // A subscription may outlive its publisher; cancelling it then does nothing.
 template <class... Args>

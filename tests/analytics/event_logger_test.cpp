@@ -272,9 +272,5 @@ TEST_F(EventLoggerConcurrencyTest, CallsFromSeveralThreadsKeepEachThreadsOrderWh
   }
 }
 
-TEST(EventLoggerPlacementTest, RejectsAValueOutsideTheEnumeration) {
-  EXPECT_THROW(EventLogger::analyticsName(static_cast<EventLogger::Placement>(7)), std::invalid_argument);
-}
-
 }  // namespace
 }  // namespace cardiolith

@@ -56,29 +56,5 @@ TEST(JsonFuzzRegressionTest, EveryKeptInputIsRejectedCleanlyOrRoundTrips) {
   }
 }
 
-// The fuzzers' judge of JSON must agree with the grammar, or it would hide or invent findings.
-TEST(JsonFuzzOracleTest, JudgesTheGrammarNotTheRangeOfNumbers) {
-  const std::pair<std::string_view, bool> cases[] = {
-      {R"({"a":[1,-0,0.5,2e-3,1E+2]})", true},
-      {"[1e400, -21e99999, 123456789012345678901234567890]", true},
-      {R"(["1e400", "\"-1\"", "x\\"])", true},
-      {" null ", true},
-      {"[01]", false},
-      {"[1.]", false},
-      {"[.5]", false},
-      {"[-]", false},
-      {"[+1]", false},
-      {"[1e]", false},
-      {"[1 2]", false},
-      {"[1,]", false},
-      {R"({"a":1}:)", false},
-      {R"({"a":"b":}})", false},
-      {R"(["unterminated)", false},
-      {"\"\xff\"", false},
-      {"", false},
-  };
-  for (const auto& [text, isJson] : cases) EXPECT_EQ(fuzzing::isJson(text), isJson) << text;
-}
-
 }  // namespace
 }  // namespace cardiolith

@@ -30,12 +30,17 @@ std::string_view describe(ondemand::json_type type) {
 
 static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING, "the in-place promise must cover simdjson's padding");
 
-JsonReader::JsonReader(std::string_view text, std::size_t readablePadding) {
+JsonReader::JsonReader(std::string_view text, std::size_t readablePadding)
+    : JsonReader(ownParser_, text, readablePadding) {}
+
+JsonReader::JsonReader(ondemand::parser& parser, std::string_view text, std::size_t readablePadding)
+    : text_(text), parser_(parser) {
   simdjson::padded_string_view input(text.data(), text.size(), text.size() + readablePadding);
   if (readablePadding < simdjson::SIMDJSON_PADDING) {
     buffer_ = simdjson::padded_string(text);
     if (buffer_.data() == nullptr) throw std::bad_alloc();  // padded_string reports no other way
     input = buffer_;
+    text_ = std::string_view(buffer_.data(), buffer_.size());
   }
   if (const auto error = parser_.iterate(input).get(document_)) {
     if (const auto lexical = findLexicalError(text)) failAt(lexical->offset, lexical->reason);
@@ -58,7 +63,7 @@ ondemand::array JsonReader::rootArray() {
 void JsonReader::finish() {
   const char* location;
   if (document_.current_location().get(location) == simdjson::OUT_OF_BOUNDS) return;  // nothing follows
-  failAt(static_cast<std::size_t>(location - buffer_.data()), "unexpected content after the top-level value");
+  failAt(offsetOf(location), "unexpected content after the top-level value");
 }
 
 void JsonReader::failMissing(const JsonPath& path) { fail(path, "missing"); }
@@ -196,14 +201,13 @@ void JsonReader::failRoot(simdjson::error_code error, Expected expected) {
   if (error == simdjson::INCOMPLETE_ARRAY_OR_OBJECT) {
     // Raised before any member is read, when the last token is not the closing one of the root value, or
     // when the braces and brackets do not balance.
-    const std::string_view text(buffer_.data(), buffer_.size());
-    const std::size_t last = text.find_last_not_of(" \t\n\r");
+    const std::size_t last = text_.find_last_not_of(" \t\n\r");
     const char closing = wantsObject ? '}' : ']';
-    if (last != std::string_view::npos && text[last] != closing) {
+    if (last != std::string_view::npos && text_[last] != closing) {
       failAt(last, wantsObject ? "the document must end with the '}' that closes its top-level object"
                                : "the document must end with the ']' that closes its top-level array");
     }
-    failAt(text.size(), "unbalanced braces or brackets");
+    failAt(text_.size(), "unbalanced braces or brackets");
   }
   failSyntax(error);
 }
@@ -217,7 +221,7 @@ void JsonReader::failSyntax(simdjson::error_code error) {
 }
 
 void JsonReader::failAt(const char* where, std::string_view reason) const {
-  failAt(static_cast<std::size_t>(where - buffer_.data()), reason);
+  failAt(offsetOf(where), reason);
 }
 
 void JsonReader::failAt(std::size_t offset, std::string_view reason) const {
@@ -230,8 +234,8 @@ void JsonReader::fail(const JsonPath& path, const std::string& reason) {
 
 std::size_t JsonReader::currentOffset() {
   const char* location;
-  if (document_.current_location().get(location)) return buffer_.size();
-  return static_cast<std::size_t>(location - buffer_.data());
+  if (document_.current_location().get(location)) return text_.size();
+  return offsetOf(location);
 }
 
 }  // namespace cardiolith::json_detail

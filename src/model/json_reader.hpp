@@ -11,9 +11,8 @@
 
 #include "cardiolith/platform/uuid.hpp"
 #include "model/json_path.hpp"
+#include "model/readings_decoding.hpp"
 #include "model/json_tokens.hpp"
-
-#include "model/json_in_place.hpp"
 
 namespace cardiolith::json_detail {
 
@@ -29,6 +28,8 @@ class JsonReader {
   // may be read too (kReadPadding or more); otherwise it is first copied into a padded buffer. Throws when
   // the text cannot be tokenized.
   explicit JsonReader(std::string_view text, std::size_t readablePadding = 0);
+  // The same with the caller's parser, whose buffers then serve many documents in turn.
+  JsonReader(ondemand::parser& parser, std::string_view text, std::size_t readablePadding);
   JsonReader(const JsonReader&) = delete;
   JsonReader& operator=(const JsonReader&) = delete;
 
@@ -190,13 +191,16 @@ class JsonReader {
   [[noreturn]] void failSyntax(simdjson::error_code error);
   [[noreturn]] void failAt(std::size_t offset, std::string_view reason) const;
   [[noreturn]] void failAt(const char* where, std::string_view reason) const;
+  std::size_t offsetOf(const char* where) const { return static_cast<std::size_t>(where - text_.data()); }
   // Where a value begins in the input, whether or not it has been read.
   static const char* tokenStart(ondemand::value& value) { return value.raw_json_token().data(); }
   [[noreturn]] static void fail(const JsonPath& path, const std::string& reason);
   std::size_t currentOffset();
 
-  simdjson::padded_string buffer_;
-  ondemand::parser parser_;
+  simdjson::padded_string buffer_;  // a padded copy of the input, when it could not be read in place
+  std::string_view text_;           // the input the parser reads: the caller's text or buffer_
+  ondemand::parser ownParser_;      // allocates nothing until it parses
+  ondemand::parser& parser_;
   ondemand::document document_;
 };
 

@@ -1,9 +1,12 @@
+#include <algorithm>
+#include <cstring>
 #include <optional>
 
 #include "cardiolith/model/json.hpp"
 #include "model/json_reader.hpp"
 #include "model/json_writer.hpp"
 #include "model/reading_arena.hpp"
+#include "model/readings_array.hpp"
 
 namespace cardiolith::json {
 namespace {
@@ -22,7 +25,7 @@ constexpr ReadingMember kRequiredReadingMembers[] = {kID, kDate, kSystolic, kDia
 enum HealthKitMember : std::size_t { kBloodPressureUUID, kHeartRateUUID };
 constexpr std::array<std::string_view, 2> kHealthKitMembers{"bloodPressureUUID", "heartRateUUID"};
 
-constexpr std::array<std::string_view, 1> kDocumentMembers{"readings"};
+constexpr std::array<std::string_view, 1> kDocumentMembers{json_detail::kReadingsKey};
 
 // Writing
 
@@ -178,7 +181,7 @@ std::string encode(const Readings& readings) {
 
 namespace {
 
-Readings decodeReadings(std::string_view text, std::size_t readablePadding) {
+Readings decodeWholeText(std::string_view text, std::size_t readablePadding) {
   JsonReader reader(text, readablePadding);
   auto root = reader.rootObject();
   const JsonPath rootPath;
@@ -188,9 +191,7 @@ Readings decodeReadings(std::string_view text, std::size_t readablePadding) {
   reader.forEachMember(root, kDocumentMembers, [&](std::size_t, ondemand::value& value) {
     auto array = reader.array(value, readingsPath);
     ReadingList list;
-    reader.forEachElement(array, [&](std::size_t index, ondemand::value& element) {
-      list.push_back(readReading(reader, arena, element, readingsPath.element(index)));
-    });
+    json_detail::appendReadings(reader, arena, array, readingsPath, list);
     readings = std::move(list);
   });
   reader.finish();
@@ -202,7 +203,15 @@ Readings decodeReadings(std::string_view text, std::size_t readablePadding) {
 
 template <>
 Readings decode<Readings>(std::string_view text) {
-  return decodeReadings(text, 0);
+  std::size_t copied = 0;
+  const json_detail::ReadMore readMore = [&](char* into, std::size_t capacity) {
+    const std::size_t count = std::min(capacity, text.size() - copied);
+    std::memcpy(into, text.data() + copied, count);
+    copied += count;
+    return count;
+  };
+  if (auto readings = json_detail::decodeReadingsInWindows(readMore, text.size())) return std::move(*readings);
+  return decodeWholeText(text, 0);
 }
 
 }  // namespace cardiolith::json
@@ -210,7 +219,15 @@ Readings decode<Readings>(std::string_view text) {
 namespace cardiolith::json_detail {
 
 Readings decodeReadingsInPlace(const std::string& text) {
-  return json::decodeReadings(text, text.capacity() - text.size());
+  return json::decodeWholeText(text, text.capacity() - text.size());
+}
+
+void appendReadings(JsonReader& reader, ReadingArena& arena, ondemand::array& array, const JsonPath& path,
+                    ReadingList& list) {
+  const std::size_t first = list.size();
+  reader.forEachElement(array, [&](std::size_t index, ondemand::value& element) {
+    list.push_back(json::readReading(reader, arena, element, path.element(first + index)));
+  });
 }
 
 }  // namespace cardiolith::json_detail

@@ -26,23 +26,6 @@ namespace {
   throw std::filesystem::filesystem_error(what, path, other, std::error_code(error, std::generic_category()));
 }
 
-// Closes a descriptor on every path out of a function.
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  ~FileDescriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  int get() const { return fd_; }
-  // Closes now, so that a failing close (a delayed write error) can be reported.
-  int release() { return ::close(std::exchange(fd_, -1)); }
-
- private:
-  int fd_;
-};
-
 // Writes every byte, through the seam that lets tests fill the disk.
 void writeAll(int fd, std::string_view bytes, const std::filesystem::path& path) {
   while (!bytes.empty()) {
@@ -100,29 +83,37 @@ class RemoveUnlessKept {
 
 }  // namespace
 
-std::string readWholeFile(const std::filesystem::path& path, std::size_t spareCapacity) {
-  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.get() < 0) throwFileError("cannot open file for reading", path, errno);
+FileReader::FileReader(const std::filesystem::path& path)
+    : path_(path), file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+  if (file_.get() < 0) throwFileError("cannot open file for reading", path, errno);
   struct stat status {};
-  if (::fstat(file.get(), &status) != 0) throwFileError("cannot inspect file", path, errno);
+  if (::fstat(file_.get(), &status) != 0) throwFileError("cannot inspect file", path, errno);
   if (S_ISDIR(status.st_mode)) throwFileError("cannot read file", path, EISDIR);
+  size_ = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
+}
 
+std::size_t FileReader::read(char* into, std::size_t capacity) {
+  for (;;) {
+    const ssize_t got = ::read(file_.get(), into, capacity);
+    if (got >= 0) return static_cast<std::size_t>(got);
+    if (errno != EINTR) throwFileError("cannot read file", path_, errno);
+  }
+}
+
+std::string readWholeFile(const std::filesystem::path& path, std::size_t spareCapacity) {
+  FileReader file(path);
   std::string bytes;
   // One byte more than the file's size, so that the read which finds the end does not have to grow (and
   // zero-fill) a buffer as large as the file again; only a file that grows while we read it does that.
-  const auto expected = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1;
+  const std::size_t expected = file.size() + 1;
   bytes.reserve(expected + spareCapacity);
   bytes.resize(expected);
   std::size_t filled = 0;
   for (;;) {
     if (filled == bytes.size()) bytes.resize(bytes.size() * 2);
-    const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
-    if (got < 0) {
-      if (errno == EINTR) continue;
-      throwFileError("cannot read file", path, errno);
-    }
+    const std::size_t got = file.read(bytes.data() + filled, bytes.size() - filled);
     if (got == 0) break;
-    filled += static_cast<std::size_t>(got);
+    filled += got;
   }
   bytes.resize(filled);
   if (bytes.capacity() - bytes.size() < spareCapacity) bytes.reserve(bytes.size() + spareCapacity);

@@ -1,10 +1,48 @@
 #pragma once
 
+#include <unistd.h>
+
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace cardiolith::detail {
+
+// Closes a descriptor on every path out of a function.
+class FileDescriptor {
+ public:
+  explicit FileDescriptor(int fd) : fd_(fd) {}
+  ~FileDescriptor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  int get() const { return fd_; }
+  // Closes now, so that a failing close (a delayed write error) can be reported.
+  int release() { return ::close(std::exchange(fd_, -1)); }
+
+ private:
+  int fd_;
+};
+
+// Reads a file from its start, a piece at a time. std::filesystem::filesystem_error, naming the path,
+// when it can't be opened or read (a missing file fails with no_such_file_or_directory).
+class FileReader {
+ public:
+  explicit FileReader(const std::filesystem::path& path);
+
+  // The file's size when it was opened.
+  std::size_t size() const { return size_; }
+  // Reads the next bytes into `into`, at most `capacity`; 0 at the end.
+  std::size_t read(char* into, std::size_t capacity);
+
+ private:
+  std::filesystem::path path_;
+  FileDescriptor file_;
+  std::size_t size_ = 0;
+};
 
 // The whole content of a file. std::filesystem::filesystem_error, naming the path, when it can't be read.
 // `spareCapacity` leaves that many bytes of capacity after the content (for readers that look past the end).

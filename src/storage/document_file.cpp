@@ -5,7 +5,7 @@
 #include <system_error>
 #include <utility>
 
-#include "model/json_in_place.hpp"
+#include "model/readings_decoding.hpp"
 #include "platform/file_io.hpp"
 
 namespace cardiolith::detail {
@@ -42,9 +42,21 @@ DocumentFile::DocumentFile(std::filesystem::path path, StorageOptions options)
 // The spare capacity lets the readings decoder read the bytes where they are, without a padded copy.
 std::string DocumentFile::read() const { return readWholeFile(path_, json_detail::kReadPadding); }
 
-std::optional<std::string> DocumentFile::readIfPresent() const {
+Readings DocumentFile::readReadings() const {
+  {
+    FileReader file(path_);
+    const json_detail::ReadMore readMore = [&](char* into, std::size_t capacity) {
+      return file.read(into, capacity);
+    };
+    if (auto readings = json_detail::decodeReadingsInWindows(readMore, file.size())) return std::move(*readings);
+  }
+  // Not in the usual shape, or broken: decoded whole, the text gives the same readings or names the fault.
+  return json_detail::decodeReadingsInPlace(read());
+}
+
+std::optional<Readings> DocumentFile::readReadingsIfPresent() const {
   try {
-    return read();
+    return readReadings();
   } catch (const std::filesystem::filesystem_error& error) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
     throw;

@@ -11,7 +11,6 @@
 #include "cardiolith/platform/analytics_backend.hpp"
 #include "cardiolith/platform/logger.hpp"
 #include "cardiolith/storage/storage_options.hpp"
-#include "model/json_in_place.hpp"
 
 namespace cardiolith::detail {
 
@@ -29,7 +28,11 @@ class DocumentFile {
   template <class Document>
   std::optional<Document> load(std::string_view failurePrefix) const {
     try {
-      return decode<Document>(read());
+      if constexpr (std::is_same_v<Document, Readings>) {
+        return readReadings();
+      } else {
+        return json::decode<Document>(read());
+      }
     } catch (const std::exception& error) {
       Logger::standard().error(std::string(failurePrefix) + localizedDescription(error));
       keepUnreadable();
@@ -37,20 +40,14 @@ class DocumentFile {
     }
   }
 
-  // The document in `bytes`; the readings document is decoded in place (see read()).
-  template <class Document>
-  static Document decode(const std::string& bytes) {
-    if constexpr (std::is_same_v<Document, Readings>) {
-      return json_detail::decodeReadingsInPlace(bytes);
-    } else {
-      return json::decode<Document>(bytes);
-    }
-  }
+  // The readings document, read and decoded a window at a time, so that a large log never has its whole
+  // text in memory. filesystem_error when it can't be read, DecodingError when it can't be decoded.
+  Readings readReadings() const;
+  // Like readReadings(), but nothing when there is no file.
+  std::optional<Readings> readReadingsIfPresent() const;
 
   // The whole content; filesystem_error when it can't be read.
   std::string read() const;
-  // Like read(), but nothing when there is no file.
-  std::optional<std::string> readIfPresent() const;
   // Replaces the whole content: in place, or durably through a temporary file. filesystem_error.
   void write(std::string_view bytes) const;
 

@@ -74,10 +74,7 @@ std::future<Readings> ReadingsStore::load() {
 }
 
 std::future<Readings> ReadingsStore::loadExisting() {
-  return impl_->queue.submit([this] {
-    const auto bytes = impl_->file.readIfPresent();
-    return bytes ? detail::DocumentFile::decode<Readings>(*bytes) : Readings{};
-  });
+  return impl_->queue.submit([this] { return impl_->file.readReadingsIfPresent().value_or(Readings{}); });
 }
 
 std::future<void> ReadingsStore::save(Readings readings) {

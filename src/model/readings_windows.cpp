@@ -30,6 +30,8 @@ class TextBuffer {
   std::size_t begin() const { return begin_; }
   std::size_t end() const { return end_; }
   bool sourceEnded() const { return sourceEnded_; }
+  // How many bytes of the document lie before the text not yet decoded.
+  std::size_t consumed() const { return read_ - (end_ - begin_); }
   std::size_t paddingAfter(std::size_t position) const { return capacity_ + kReadPadding - position; }
   void consumeTo(std::size_t position) { begin_ = position; }
 
@@ -44,6 +46,7 @@ class TextBuffer {
       const std::size_t got = readMore_(bytes_.get() + end_, capacity_ - end_);
       sourceEnded_ = got == 0;
       end_ += got;
+      read_ += got;
     }
     std::memset(bytes_.get() + end_, ' ', kReadPadding);  // the parser may look past the text
   }
@@ -64,13 +67,14 @@ class TextBuffer {
   std::size_t capacity_ = 0;
   std::size_t begin_ = 1;
   std::size_t end_ = 1;
+  std::size_t read_ = 0;
   bool sourceEnded_ = false;
 };
 
 class WindowedDecoder {
  public:
-  WindowedDecoder(const ReadMore& readMore, std::size_t bufferSize)
-      : text_(readMore, bufferSize) {
+  WindowedDecoder(const ReadMore& readMore, std::size_t expectedSize, std::size_t bufferSize)
+      : text_(readMore, bufferSize), expectedSize_(expectedSize) {
     // A window's array sits one level higher than the document's, so its parser allows one level less.
     if (parser_.allocate(bufferSize, simdjson::DEFAULT_MAX_DEPTH - 1)) throw std::bad_alloc();
   }
@@ -80,6 +84,7 @@ class WindowedDecoder {
     if (!skipOpening()) return std::nullopt;
     while (!text_.sourceEnded()) {
       if (!decodeNextWindow()) return std::nullopt;
+      if (!reserved_) reserveForTheWholeDocument();
       text_.refill();
     }
     if (!decodeLastWindow()) return std::nullopt;
@@ -94,6 +99,16 @@ class WindowedDecoder {
     std::size_t comma;
     std::size_t next;
   };
+
+  // Makes room for as many readings as the first window's share of the document suggests, so that the
+  // list of a large log is neither copied as it grows nor left with twice the room it needs.
+  void reserveForTheWholeDocument() {
+    const std::size_t consumed = text_.consumed();
+    if (list_.empty() || expectedSize_ <= consumed) return;
+    reserved_ = true;
+    const double share = static_cast<double>(expectedSize_) / static_cast<double>(consumed);
+    list_.reserve(static_cast<std::size_t>(static_cast<double>(list_.size()) * share * 1.05) + 1);
+  }
 
   // Consumes the opening {"readings":[ and the spaces after it; false when the text starts otherwise.
   bool skipOpening() {
@@ -191,9 +206,11 @@ class WindowedDecoder {
   }
 
   TextBuffer text_;
+  const std::size_t expectedSize_;
   ondemand::parser parser_;
   ReadingArena arena_;
   ReadingList list_;
+  bool reserved_ = false;
   const JsonPath rootPath_;
   const JsonPath readingsPath_ = rootPath_.member(kReadingsKey);
 };
@@ -205,7 +222,7 @@ std::optional<Readings> decodeReadingsInWindows(const ReadMore& readMore, std::s
   // Room for the framing '[' and for the read that finds the end, so that a document no larger than
   // expected is read in one window.
   const std::size_t bufferSize = std::max<std::size_t>(2, std::min(windowSize, expectedSize + 2));
-  return WindowedDecoder(readMore, bufferSize).decode();
+  return WindowedDecoder(readMore, expectedSize, bufferSize).decode();
 }
 
 }  // namespace cardiolith::json_detail

@@ -21,6 +21,19 @@ namespace {
 bool titleBefore(const Tag& a, const Tag& b) { return text::canonicalCompare(a.title, b.title) < 0; }
 bool titleAfter(const Tag& a, const Tag& b) { return text::canonicalCompare(a.title, b.title) > 0; }
 
+// A stable sort. A change appends one tag to a list that is sorted already, so when the rest is in order
+// the new tag is moved to where a stable sort would put it, after its equals, in a linear pass instead of
+// a sort of the whole list.
+template <class Order>
+void sortStably(std::vector<Tag>& tags, Order before) {
+  if (tags.size() > 1 && std::is_sorted(tags.begin(), tags.end() - 1, before)) {
+    const auto place = std::upper_bound(tags.begin(), tags.end() - 1, tags.back(), before);
+    std::rotate(place, tags.end() - 1, tags.end());
+    return;
+  }
+  std::stable_sort(tags.begin(), tags.end(), before);
+}
+
 enum class Operation { insert, update, remove };
 
 // One call of insert, update or deleteTag, kept so that it can be replayed on the loaded list.
@@ -45,11 +58,9 @@ std::vector<Step> stepsOf(const Change& change) {
                   return other.id == tag.id || text::canonicallyEqual(other.title, tag.title);
                 });
               },
-              append,
-              [](std::vector<Tag>& tags) { std::stable_sort(tags.begin(), tags.end(), titleBefore); }};
+              append, [](std::vector<Tag>& tags) { sortStably(tags, titleBefore); }};
     case Operation::update:
-      return {removeSameID, append,
-              [](std::vector<Tag>& tags) { std::stable_sort(tags.begin(), tags.end(), titleAfter); }};
+      return {removeSameID, append, [](std::vector<Tag>& tags) { sortStably(tags, titleAfter); }};
     case Operation::remove:
       return {removeSameID};
   }
@@ -68,14 +79,17 @@ struct TagsManager::Impl {
     std::lock_guard serial(changeMutex);
     for (const auto& step : stepsOf(change)) {
       owner.sendObjectWillChange();
+      // With nobody subscribed there is no list to copy; a subscriber that arrives meanwhile is handed the
+      // current list once this change is done (greet waits for changeMutex).
+      const bool anyoneListening = publisher.subscriberCount() > 0;
       std::vector<Tag> published;
       {
         std::lock_guard lock(stateMutex);
         step(tags);
-        rebuildIndex();
-        published = tags;
+        indexIsStale = true;
+        if (anyoneListening) published = tags;
       }
-      publisher.send(published);
+      if (anyoneListening) publisher.send(published);
     }
     {
       std::lock_guard lock(stateMutex);
@@ -97,7 +111,7 @@ struct TagsManager::Impl {
         }
         changesBeforeLoad.clear();
         tags = std::move(loadedTags);
-        rebuildIndex();
+        indexIsStale = true;
         loaded = true;
         published = tags;
       }
@@ -139,10 +153,16 @@ struct TagsManager::Impl {
     subscriber(current);
   }
 
-  // Each id mapped to the last tag in list order with that id. Called with stateMutex held.
-  void rebuildIndex() {
-    index.clear();
-    for (const auto& tag : tags) index.insert_or_assign(tag.id, tag);
+  // The last tag in list order with this id, or null. Called with stateMutex held.
+  const Tag* findLocked(const UUID& id) const {
+    if (indexIsStale) {
+      index.clear();
+      for (std::size_t position = 0; position < tags.size(); ++position)
+        index.insert_or_assign(tags[position].id, position);
+      indexIsStale = false;
+    }
+    const auto found = index.find(id);
+    return found == index.end() ? nullptr : &tags[found->second];
   }
 
   void refuseToWaitOnOwnThread(const char* function) const {
@@ -163,7 +183,8 @@ struct TagsManager::Impl {
   // Guards the fields below; never held while observers are called.
   mutable std::mutex stateMutex;
   std::vector<Tag> tags;
-  std::unordered_map<UUID, Tag> index;
+  mutable std::unordered_map<UUID, std::size_t> index;  // positions in `tags`
+  mutable bool indexIsStale = true;
   bool loaded = false;
   std::vector<Change> changesBeforeLoad;
   bool loadPublished = false;
@@ -189,9 +210,8 @@ Publisher<std::vector<Tag>>& TagsManager::tagsPublisher() { return impl_->publis
 
 std::optional<Tag> TagsManager::tag(const UUID& id) const {
   std::lock_guard lock(impl_->stateMutex);
-  const auto found = impl_->index.find(id);
-  if (found == impl_->index.end()) return std::nullopt;
-  return found->second;
+  if (const Tag* found = impl_->findLocked(id)) return *found;
+  return std::nullopt;
 }
 
 std::vector<Tag> TagsManager::tags(const std::set<UUID>& ids) const {
@@ -199,8 +219,7 @@ std::vector<Tag> TagsManager::tags(const std::set<UUID>& ids) const {
   {
     std::lock_guard lock(impl_->stateMutex);
     for (const auto& id : ids) {
-      if (const auto entry = impl_->index.find(id); entry != impl_->index.end())
-        found.push_back(entry->second);
+      if (const Tag* tag = impl_->findLocked(id)) found.push_back(*tag);
     }
   }
   std::stable_sort(found.begin(), found.end(), titleBefore);

@@ -14,8 +14,8 @@
 namespace cardiolith {
 
 // The live list of tags, loaded once in the background from the file "tags" of the shared container (or
-// the ten default tags), with an index by id. Every change rebuilds the index and saves the whole list in
-// the background.
+// the ten default tags), with an index by id. Every change saves the whole list in the background; the
+// index is rebuilt by the first lookup after a change.
 //
 // Threads: every member may be called from any thread. The list and the index are guarded by the manager;
 // change notifications fire on the thread that makes the change (the loaded list's on a background

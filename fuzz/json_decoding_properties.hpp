@@ -9,9 +9,11 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "cardiolith/model/json.hpp"
 #include "json_syntax_oracle.hpp"
+#include "model/readings_decoding.hpp"
 
 namespace cardiolith::fuzzing {
 
@@ -33,11 +35,31 @@ inline bool sameValue(const Readings& a, const Readings& b) {
                     [](const auto& x, const auto& y) { return *x == *y && x->tagIDs() == y->tagIDs(); });
 }
 
+// Large readings documents are decoded a window at a time. With windows far smaller than the input, so
+// that it is cut in many places, the windowed decoder must give the readings the whole-text decoder gives,
+// or leave the input to it.
+inline void checkWindows(std::string_view input) {
+  std::optional<Readings> whole;
+  try {
+    whole = json_detail::decodeReadingsInPlace(std::string(input));
+  } catch (const DecodingError&) {
+  }
+  for (const std::size_t windowSize : {std::size_t{24}, 16 + input.size() % 61}) {
+    const auto windowed =
+        json_detail::decodeReadingsInWindows(json_detail::readMoreFrom(input), input.size(), windowSize);
+    if (!windowed) continue;
+    if (!whole) throw PropertyFailure("decoded in windows of " + std::to_string(windowSize) + ", not whole");
+    if (!sameValue(*windowed, *whole))
+      throw PropertyFailure("windows of " + std::to_string(windowSize) + " decoded other readings");
+  }
+}
+
 // Decodes `input` as T. A DecodingError is a clean rejection; any other exception escapes. A decoded input
 // must be well-formed JSON, and its value must encode, decode again and compare equal, or PropertyFailure
 // is thrown.
 template <class T>
 Outcome checkDecoding(std::string_view input) {
+  if constexpr (std::is_same_v<T, Readings>) checkWindows(input);
   std::optional<T> first;
   try {
     first = json::decode<T>(input);

@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <cstring>
 #include <optional>
 
 #include "cardiolith/model/json.hpp"
@@ -203,14 +201,8 @@ Readings decodeWholeText(std::string_view text, std::size_t readablePadding) {
 
 template <>
 Readings decode<Readings>(std::string_view text) {
-  std::size_t copied = 0;
-  const json_detail::ReadMore readMore = [&](char* into, std::size_t capacity) {
-    const std::size_t count = std::min(capacity, text.size() - copied);
-    std::memcpy(into, text.data() + copied, count);
-    copied += count;
-    return count;
-  };
-  if (auto readings = json_detail::decodeReadingsInWindows(readMore, text.size())) return std::move(*readings);
+  if (auto readings = json_detail::decodeReadingsInWindows(json_detail::readMoreFrom(text), text.size()))
+    return std::move(*readings);
   return decodeWholeText(text, 0);
 }
 

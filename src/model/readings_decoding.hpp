@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "cardiolith/model/readings.hpp"
 
@@ -19,6 +20,9 @@ Readings decodeReadingsInPlace(const std::string& text);
 
 // Copies the next bytes of a document into `into`, at most `capacity` of them; 0 at the end.
 using ReadMore = std::function<std::size_t(char* into, std::size_t capacity)>;
+
+// A ReadMore that copies `text` piece by piece; the text must outlive it.
+ReadMore readMoreFrom(std::string_view text);
 
 // How much of a document one window holds, unless a single reading needs more.
 inline constexpr std::size_t kDefaultWindowSize = std::size_t{1} << 20;

@@ -217,6 +217,15 @@ class WindowedDecoder {
 
 }  // namespace
 
+ReadMore readMoreFrom(std::string_view text) {
+  return [text, copied = std::size_t{0}](char* into, std::size_t capacity) mutable {
+    const std::size_t count = std::min(capacity, text.size() - copied);
+    std::memcpy(into, text.data() + copied, count);
+    copied += count;
+    return count;
+  };
+}
+
 std::optional<Readings> decodeReadingsInWindows(const ReadMore& readMore, std::size_t expectedSize,
                                                 std::size_t windowSize) {
   // Room for the framing '[' and for the read that finds the end, so that a document no larger than

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 #include "cardiolith/model/json.hpp"
 #include "error_message.hpp"
@@ -52,13 +51,10 @@ struct Windowed {
 
 Windowed decodeInWindows(std::string_view text, std::size_t windowSize) {
   Windowed result;
-  std::size_t copied = 0;
+  const json_detail::ReadMore copy = json_detail::readMoreFrom(text);
   const json_detail::ReadMore readMore = [&](char* into, std::size_t capacity) {
     result.largestRead = std::max(result.largestRead, capacity);
-    const std::size_t count = std::min(capacity, text.size() - copied);
-    std::memcpy(into, text.data() + copied, count);
-    copied += count;
-    return count;
+    return copy(into, capacity);
   };
   result.readings = decodeReadingsInWindows(readMore, text.size(), windowSize);
   return result;

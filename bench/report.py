@@ -130,31 +130,48 @@ def quotient(a, b):
     return a / b if a is not None and b is not None and b > 0 else None
 
 
+def time_of(runs):
+    return lambda family, size: ns_per_item(runs.get((family, size)))
+
+
+def speed_rows(runs, size, note=""):
+    """The decode and encode targets at one size: against the floors and against nlohmann/json."""
+    time = time_of(runs)
+    return [
+        ratio_row(f"decode time vs simdjson reader{note}", size,
+                  quotient(time("LibraryDecode", size), time("SimdjsonDecode", size)), 1.5, True),
+        ratio_row(f"decode speed-up over nlohmann/json{note}", size,
+                  quotient(time("NlohmannDecode", size), time("LibraryDecode", size)), 8, False),
+        ratio_row(f"encode time vs `std::to_chars` writer{note}", size,
+                  quotient(time("LibraryEncode", size), time("BareEncode", size)), 1.3, True),
+        ratio_row(f"encode speed-up over nlohmann/json{note}", size,
+                  quotient(time("NlohmannEncode", size), time("LibraryEncode", size)), 8, False),
+    ]
+
+
+def growth_rows(runs, note=""):
+    """Time per reading at 1,000,000 against 10,000: the library's (with the target) and the floors'."""
+    time = time_of(runs)
+    growth = lambda family: quotient(time(family, 1_000_000), time(family, 10_000))
+    rows = [ratio_row(f"time/reading at 1,000,000 vs 10,000{note}: {NAMES[family]}", None, growth(family), 1.5, True)
+            for family in LIBRARY if (family, 1_000_000) in runs]
+    rows += [[f"time/reading at 1,000,000 vs 10,000{note}: {NAMES[family]}", "", "", "", "", ratio_text(growth(family)),
+              "", ""] for family in FLOORS if (family, 1_000_000) in runs]
+    return rows
+
+
 def ratio_rows(runs, memory, memory_reference):
     rows = []
-    time = lambda family, size: ns_per_item(runs.get((family, size)))
+    time = time_of(runs)
     for size in RATIO_SIZES:
-        rows.append(ratio_row("decode time vs simdjson reader", size,
-                              quotient(time("LibraryDecode", size), time("SimdjsonDecode", size)), 1.5, True))
-        rows.append(ratio_row("decode speed-up over nlohmann/json", size,
-                              quotient(time("NlohmannDecode", size), time("LibraryDecode", size)), 8, False))
-        rows.append(ratio_row("encode time vs `std::to_chars` writer", size,
-                              quotient(time("LibraryEncode", size), time("BareEncode", size)), 1.3, True))
-        rows.append(ratio_row("encode speed-up over nlohmann/json", size,
-                              quotient(time("NlohmannEncode", size), time("LibraryEncode", size)), 8, False))
+        rows.extend(speed_rows(runs, size))
         rows.append([f"`ReadingsStore::load` time vs file read + simdjson reader (floors)", count(size), "", "", "",
                      ratio_text(quotient(time("StoreLoad", size),
                                          total(time("ReadFileBytes", size), time("SimdjsonDecode", size)))), "", ""])
         rows.append([f"`ReadingsStore::save` time vs `std::to_chars` writer + file write (floors)", count(size), "", "",
                      "", ratio_text(quotient(time("StoreSave", size),
                                              total(time("BareEncode", size), time("WriteFileBytes", size)))), "", ""])
-    for family in LIBRARY:
-        rows.append(ratio_row(f"time/reading at 1,000,000 vs 10,000: {NAMES[family]}", None,
-                              quotient(time(family, 1_000_000), time(family, 10_000)), 1.5, True))
-    for family in FLOORS:
-        value = quotient(time(family, 1_000_000), time(family, 10_000))
-        rows.append([f"time/reading at 1,000,000 vs 10,000: {NAMES[family]}", "", "", "", "", ratio_text(value),
-                     "", ""])
+    rows.extend(growth_rows(runs))
     if memory:
         peak = memory["peak_rss_kb"] * 1024
         rows.append(ratio_row("peak memory of one `ReadingsStore::load` vs file size", memory["readings"],
@@ -197,6 +214,7 @@ def machine(compiler):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--results", required=True)
+    parser.add_argument("--warm-results", help="a second run with CARDIOLITH_BENCH_WARM_HEAP=1")
     parser.add_argument("--memory")
     parser.add_argument("--memory-reference")
     parser.add_argument("--compiler", default="unknown compiler")
@@ -214,6 +232,16 @@ def main():
             if (family, size) in runs:
                 rows.append(measurement_row(family, size, runs[(family, size)]))
     rows.extend(ratio_rows(runs, memory, memory_reference))
+    if arguments.warm_results:
+        _, warm = load_results(arguments.warm_results)
+        note = ", warm heap"
+        for family in ORDER:
+            for size in (10_000, 1_000_000):
+                if (family, size) in warm:
+                    rows.append(measurement_row(family, size, warm[(family, size)]))
+                    rows[-1][0] += note
+        rows.extend(speed_rows(warm, 1_000_000, note))
+        rows.extend(growth_rows(warm, note))
 
     print(f"Machine: {machine(arguments.compiler)}; {arguments.build_type} build; {context.get('date', '')}")
     print()

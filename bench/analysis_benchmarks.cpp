@@ -34,31 +34,15 @@ Period wholeLog(const ReadingList& readings) {
   return period;
 }
 
-// The allocations of the two filtered lists that a summary needs: the current period, and the previous
-// one of the same whole-day length ending at the start.
-std::uint64_t allocationsOfThePeriodLists(const ReadingList& readings, Period period) {
-  const AllocationTally allocations;
-  benchmark::DoNotOptimize(filtered(readings, period.start, period.end));
-  const Calendar calendar = Calendar::current();
-  if (const auto days = calendar.wholeDays(period.start, period.end)) {
-    if (const auto previousStart = calendar.dateByAddingDays(-*days, period.start)) {
-      benchmark::DoNotOptimize(filtered(readings, *previousStart, period.start));
-    }
-  }
-  return allocations.sinceStart();
-}
-
 void summarise(benchmark::State& state, Period period) {
   const std::size_t size = documentSize(state);
   const ReadingList& readings = libraryReadings(size).readings;
-  const std::uint64_t listAllocations = allocationsOfThePeriodLists(readings, period);
   const AllocationTally allocations;
   for (auto _ : state) {
     benchmark::DoNotOptimize(ReadingsSummarizer::summarise(readings, period.start, period.end));
   }
   const double perCall = static_cast<double>(allocations.sinceStart()) / static_cast<double>(state.iterations());
   state.counters["allocs_per_call"] = perCall;
-  state.counters["allocs_beyond_lists"] = perCall - static_cast<double>(listAllocations);
   reportThroughput(state, size);
 }
 

@@ -5,8 +5,8 @@
 
 #include "cardiolith/analysis/blood_pressure_analysis.hpp"
 #include "cardiolith/analysis/readings_summary.hpp"
-#include "cardiolith/model/collection.hpp"
 #include "cardiolith/platform/calendar.hpp"
+#include "model/date_bounds.hpp"
 
 namespace cardiolith {
 namespace {
@@ -29,18 +29,26 @@ struct PeriodMeans {
   float pulse;
 };
 
-// The three means of a period in one pass; nothing for an empty period.
-std::optional<PeriodMeans> periodMeans(const ReadingList& readings) {
-  if (readings.empty()) return std::nullopt;
-  SinglePrecisionSum systolic, diastolic, pulse;
-  for (const auto& reading : readings) {
-    systolic.add(reading->systolic());
-    diastolic.add(reading->diastolic());
-    pulse.add(reading->pulse());
+// The three sums of one period's readings, added in list order, as getAverage adds them.
+class PeriodSums {
+ public:
+  void add(const Reading& reading) {
+    systolic_.add(reading.systolic());
+    diastolic_.add(reading.diastolic());
+    pulse_.add(reading.pulse());
+    ++count_;
   }
-  const std::size_t count = readings.size();
-  return PeriodMeans{systolic.mean(count), diastolic.mean(count), pulse.mean(count)};
-}
+
+  // Nothing for an empty period.
+  std::optional<PeriodMeans> means() const {
+    if (count_ == 0) return std::nullopt;
+    return PeriodMeans{systolic_.mean(count_), diastolic_.mean(count_), pulse_.mean(count_)};
+  }
+
+ private:
+  SinglePrecisionSum systolic_, diastolic_, pulse_;
+  std::size_t count_ = 0;
+};
 
 // ((current - previous) / current) * 100, each step rounded to float. Division by a zero current average
 // gives an infinity, or NaN when the previous one is zero too; both are kept as the change.
@@ -56,24 +64,32 @@ std::int64_t truncatedTowardZero(float value) {
   return static_cast<std::int64_t>(value);
 }
 
-// The readings from D calendar days before startDate up to startDate, both included, where D is the
-// whole calendar days from startDate to endDate. Empty when the calendar can't give D or the previous
-// start; unlike Date::addingDays, there is no falling back to startDate itself.
-ReadingList previousPeriod(const ReadingList& readings, Date startDate, Date endDate) {
+// D calendar days before startDate, where D is the whole calendar days from startDate to endDate: the
+// previous period runs from there to startDate, both included. Nothing when the calendar can't give D or
+// the date, and then the previous period is empty; unlike Date::addingDays, there is no falling back to
+// startDate itself.
+std::optional<Date> previousPeriodStart(Date startDate, Date endDate) {
   const Calendar calendar = Calendar::current();
   const std::optional<std::int64_t> days = calendar.wholeDays(startDate, endDate);
-  if (!days || *days == std::numeric_limits<std::int64_t>::min()) return {};
-  const std::optional<Date> previousStart = calendar.dateByAddingDays(-*days, startDate);
-  if (!previousStart) return {};
-  return filtered(readings, *previousStart, startDate);
+  if (!days || *days == std::numeric_limits<std::int64_t>::min()) return std::nullopt;
+  return calendar.dateByAddingDays(-*days, startDate);
 }
 
 }  // namespace
 
 ReadingsSummary ReadingsSummarizer::summarise(const ReadingList& readings, Date startDate, Date endDate) {
   ReadingsSummary summary(startDate, endDate);
-  const std::optional<PeriodMeans> current = periodMeans(filtered(readings, startDate, endDate));
-  const std::optional<PeriodMeans> previous = periodMeans(previousPeriod(readings, startDate, endDate));
+  // Both periods are what filtered() keeps, summed in one pass in list order: a large log is read from
+  // memory once, and no list of a period's readings is built.
+  const std::optional<Date> previousStart = previousPeriodStart(startDate, endDate);
+  PeriodSums currentSums, previousSums;
+  for (const auto& reading : readings) {
+    const Date date = reading->date();
+    if (detail::keptByPeriod(date, startDate, endDate)) currentSums.add(*reading);
+    if (previousStart && detail::keptByPeriod(date, *previousStart, startDate)) previousSums.add(*reading);
+  }
+  const std::optional<PeriodMeans> current = currentSums.means();
+  const std::optional<PeriodMeans> previous = previousSums.means();
 
   if (current) {
     summary.currentPeriodAverage_ =

@@ -1,15 +1,13 @@
 #include "cardiolith/model/collection.hpp"
 
+#include "model/date_bounds.hpp"
+
 namespace cardiolith {
 
 ReadingList filtered(const ReadingList& readings, Date from, Date to) {
   ReadingList result;
   for (const auto& reading : readings) {
-    // Two tests, each dropping only a reading that is provably outside its bound: a date that is
-    // unordered with the bounds (NaN) stays in.
-    if (reading->date() < from) continue;
-    if (to < reading->date()) continue;
-    result.push_back(reading);
+    if (detail::keptByPeriod(reading->date(), from, to)) result.push_back(reading);
   }
   return result;
 }

@@ -37,13 +37,16 @@ LIBRARY = ["LibraryDecode", "LibraryEncode", "StoreSave", "StoreLoad", "Summaris
 FLOORS = ["ReadFileBytes", "WriteFileBytes", "SimdjsonDecode", "BareEncode", "WalkReadings"]
 
 
-def load_results(path):
-    """{(family, size): run} for the iteration runs; size is None for benchmarks without one. Of repeated
-    runs the fastest is kept: on a shared machine the others carry more of the other programs' noise."""
-    with open(path) as file:
-        document = json.load(file)
+def load_results(paths):
+    """{(family, size): run} for the iteration runs of every file; size is None for benchmarks without one.
+    Of repeated runs the fastest is kept: on a shared machine the others carry more of the other programs'
+    noise. The context is the first file's."""
+    documents = []
+    for path in paths:
+        with open(path) as file:
+            documents.append(json.load(file))
     runs = {}
-    for run in document["benchmarks"]:
+    for run in (run for document in documents for run in document["benchmarks"]):
         if run.get("run_type", "iteration") != "iteration":
             continue
         parts = run["name"].split("/")
@@ -51,7 +54,7 @@ def load_results(path):
         key = (parts[0], size)
         if key not in runs or run.get("items_per_second", 0) > runs[key].get("items_per_second", 0):
             runs[key] = run
-    return document.get("context", {}), runs
+    return (documents[0].get("context", {}) if documents else {}), runs
 
 
 def ns_per_item(run):
@@ -210,8 +213,8 @@ def machine(compiler):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--results", required=True)
-    parser.add_argument("--warm-results", help="a second run with CARDIOLITH_BENCH_WARM_HEAP=1")
+    parser.add_argument("--results", required=True, nargs="+")
+    parser.add_argument("--warm-results", nargs="*", help="runs with CARDIOLITH_BENCH_WARM_HEAP=1")
     parser.add_argument("--memory")
     parser.add_argument("--memory-reference")
     parser.add_argument("--compiler", default="unknown compiler")

@@ -192,7 +192,8 @@ class WindowedDecoder {
     const std::size_t count = list_.size();
     bool decoded = true;
     try {
-      JsonReader reader(parser_, std::string_view(text + begin - 1, end - begin + 2), text_.paddingAfter(end + 1));
+      JsonReader reader(parser_, std::string_view(text + begin - 1, end - begin + 2),
+                        text_.paddingAfter(end + 1));
       auto array = reader.rootArray();
       appendReadings(reader, arena_, array, readingsPath_, list_);
       reader.finish();

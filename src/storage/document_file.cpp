@@ -48,7 +48,8 @@ Readings DocumentFile::readReadings() const {
     const json_detail::ReadMore readMore = [&](char* into, std::size_t capacity) {
       return file.read(into, capacity);
     };
-    if (auto readings = json_detail::decodeReadingsInWindows(readMore, file.size())) return std::move(*readings);
+    if (auto readings = json_detail::decodeReadingsInWindows(readMore, file.size()))
+      return std::move(*readings);
   }
   // Not in the usual shape, or broken: decoded whole, the text gives the same readings or names the fault.
   return json_detail::decodeReadingsInPlace(read());

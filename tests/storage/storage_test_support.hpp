@@ -25,11 +25,9 @@
 #include "support/temporary_directory.hpp"
 
 namespace cardiolith {
-
 inline void PrintTo(const Tag& tag, std::ostream* out) {
   *out << "{" << tag.id.uuidString() << ", \"" << tag.title << "\", \"" << tag.colorHex << "\"}";
 }
-
 }  // namespace cardiolith
 
 namespace cardiolith::testing {
@@ -107,21 +105,19 @@ class StorageTest : public ::testing::Test {
 // "generation-<generation>", and its values vary with the generation.
 inline Readings sampleReadings(int generation, int count = 3) {
   Readings document;
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count; ++i)
     document.readings.push_back(std::make_shared<Reading>(
         i == 0 ? "generation-" + std::to_string(generation) : "reading-" + std::to_string(i),
         Date(7.25e8 + 3600.5 * i + generation), 100 + i + generation % 50, 70 + i, 60 + generation % 30,
         "note \"" + std::to_string(generation) + "\" é", std::nullopt, std::nullopt));
-  }
   return document;
 }
 
 // The names in `folder` that start with `prefix`.
 inline std::vector<std::string> namesStartingWith(const fs::path& folder, std::string_view prefix) {
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder)) {
+  for (const auto& entry : fs::directory_iterator(folder))
     if (entry.path().filename().string().starts_with(prefix)) names.push_back(entry.path().filename());
-  }
   return names;
 }
 

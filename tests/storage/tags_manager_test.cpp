@@ -8,7 +8,6 @@
 #include <sstream>
 
 #include "cardiolith/platform/list_formatter.hpp"
-#include "cardiolith/platform/text.hpp"
 #include "platform/random.hpp"
 #include "storage_test_support.hpp"
 
@@ -16,13 +15,6 @@ namespace cardiolith::testing {
 namespace {
 
 UUID idNumber(int n) { return UUID(UUID::Bytes{static_cast<std::uint8_t>(n)}); }
-
-// Every id that the tests use, for checking the index.
-const std::vector<UUID> ids = [] {
-  std::vector<UUID> all;
-  for (int n = 1; n <= 24; ++n) all.push_back(idNumber(n));
-  return all;
-}();
 
 // "3:Cherry,1:Apple": tags with those id numbers and titles, in that order; "" is no tags.
 std::vector<Tag> tagsFrom(const std::string& text) {
@@ -48,10 +40,11 @@ std::size_t change(TagsManager& manager, const std::string& changes) {
   return steps;
 }
 
-// tag(id) of every id gives the last tag in list order with that id, or nothing when none has it.
+// tag(id) of ids 1 to 24 gives the last tag in list order with that id, or nothing when none has it.
 ::testing::AssertionResult indexAgreesWithList(const TagsManager& manager) {
   const auto tags = manager.tags();
-  for (const auto& id : ids) {
+  for (int n = 1; n <= 24; ++n) {
+    const UUID id = idNumber(n);
     const auto last = std::find_if(tags.rbegin(), tags.rend(), [&](const Tag& tag) { return tag.id == id; });
     if (manager.tag(id) != (last == tags.rend() ? std::nullopt : std::optional(*last)))
       return ::testing::AssertionFailure() << id.uuidString() << " resolves wrongly";
@@ -61,18 +54,12 @@ std::size_t change(TagsManager& manager, const std::string& changes) {
 
 class TagsManagerTest : public StorageTest {
  protected:
-  std::unique_ptr<TagsManager> loadedManager(const std::string& stored) {
-    writeWholeFile(tagsFile(), json::encode(tagsFrom(stored)));
-    auto manager = std::make_unique<TagsManager>(locations());
-    manager->waitUntilLoaded();
-    return manager;
-  }
   std::vector<Tag> savedTags() const { return json::decode<std::vector<Tag>>(readWholeFile(tagsFile())); }
 };
 
 // Each change gives the expected list, the index follows it, observers hear of every step (announced
 // beforehand, while the list is still as the previous step left it), and the file holds the list once the
-// saves are done.
+// saves are done. A change to a sorted list moves the new tag into place; to an unsorted one, sorts it all.
 TEST_F(TagsManagerTest, ChangesOrderTheListAndSaveIt) {
   const char* const cases[][3] = {
       // the stored list, the changes, the list they give
@@ -80,12 +67,10 @@ TEST_F(TagsManagerTest, ChangesOrderTheListAndSaveIt) {
       {"1:Morning,2:Evening,3:Afternoon,4:cafe\u0301", "insert 5:Evening insert 1:Zebra insert 6:caf\u00e9",
        "3:Afternoon,5:Evening,1:Zebra,6:caf\u00e9"},
       {"1:Morning", "insert 2:morning", "1:Morning,2:morning"},
-      {"1:Apple,2:banana,3:Cherry", "update 2:Banana",
-       "3:Cherry,2:Banana,1:Apple"},  // update sorts descending
-      {"3:Cherry,2:Banana,1:Apple", "update 4:Cherry", "3:Cherry,4:Cherry,2:Banana,1:Apple"},  // unknown id
+      {"1:Apple,2:banana,3:Cherry", "update 2:Banana", "3:Cherry,2:Banana,1:Apple"},  // update: descending
+      {"3:Cherry,2:Banana,1:Apple", "update 4:Cherry", "3:Cherry,4:Cherry,2:Banana,1:Apple"},  // after equals
       {"4:Cherry,3:Cherry,2:Banana,1:Apple", "insert 5:Date", "1:Apple,2:Banana,4:Cherry,3:Cherry,5:Date"},
-      {"1:b,2:a", "insert 3:B insert 4:A", "4:A,3:B,2:a,1:b"},  // upper case sorts first
-      {"4:A,3:B,2:a,1:b", "update 4:A", "1:b,2:a,3:B,4:A"},
+      {"1:b,2:a", "insert 3:B insert 4:A update 4:A", "1:b,2:a,3:B,4:A"},    // upper case sorts first
       {"3:Cherry,1:Apple,2:Banana", "delete 1:Other", "3:Cherry,2:Banana"},  // by id; the order stays
       {"1:Only", "delete 1:Only", ""},
       // Every change removes all the tags of an id stored twice.
@@ -95,55 +80,54 @@ TEST_F(TagsManagerTest, ChangesOrderTheListAndSaveIt) {
   };
   for (const auto& [stored, changes, expected] : cases) {
     SCOPED_TRACE(std::string(changes) + " on " + stored);
-    auto manager = loadedManager(stored);
-    EXPECT_TRUE(indexAgreesWithList(*manager));
+    writeWholeFile(tagsFile(), json::encode(tagsFrom(stored)));
+    TagsManager manager(locations());
+    manager.waitUntilLoaded();
+    EXPECT_TRUE(indexAgreesWithList(manager));
     std::vector<std::vector<Tag>> published, announced;
     auto subscription =
-        manager->tagsPublisher().subscribe([&](const auto& tags) { published.push_back(tags); });
-    auto willChange = manager->objectWillChange().subscribe([&] { announced.push_back(manager->tags()); });
+        manager.tagsPublisher().subscribe([&](const auto& tags) { published.push_back(tags); });
+    auto willChange = manager.objectWillChange().subscribe([&] { announced.push_back(manager.tags()); });
 
-    const std::size_t steps = change(*manager, changes);
-    EXPECT_EQ(manager->tags(), tagsFrom(expected));
-    EXPECT_TRUE(indexAgreesWithList(*manager));
+    const std::size_t steps = change(manager, changes);
+    EXPECT_EQ(manager.tags(), tagsFrom(expected));
+    EXPECT_TRUE(indexAgreesWithList(manager));
     EXPECT_EQ(published.size(), 1 + steps);  // the first inside subscribe()
-    announced.push_back(manager->tags());
+    announced.push_back(manager.tags());
     EXPECT_EQ(announced, published);
-    manager->waitForPendingSaves();
+    manager.waitForPendingSaves();
     EXPECT_EQ(savedTags(), tagsFrom(expected));
   }
 }
 
 TEST_F(TagsManagerTest, LookupsByIdsSkipUnknownIdsAndSortByTitle) {
-  auto manager = loadedManager("3:Cherry,1:apple,2:Banana");
-  EXPECT_EQ(manager->tags(std::set<UUID>{idNumber(1), idNumber(2), idNumber(42)}),
+  writeWholeFile(tagsFile(), json::encode(tagsFrom("3:Cherry,1:apple,2:Banana")));
+  TagsManager manager(locations());
+  manager.waitUntilLoaded();
+  EXPECT_EQ(manager.tags(std::set<UUID>{idNumber(1), idNumber(2), idNumber(42)}),
             tagsFrom("2:Banana,1:apple"));
-  EXPECT_THAT(manager->tags(std::set<UUID>{}), ::testing::IsEmpty());
-  EXPECT_EQ(manager->formattedListString({idNumber(1), idNumber(2)}),
+  EXPECT_EQ(manager.formattedListString({idNumber(1), idNumber(2)}),
             ListFormatter{}.string({"Banana", "apple"}));
 }
 
-TEST_F(TagsManagerTest, DestructionWaitsForEverySave) {
-  {
-    auto manager = loadedManager("1:Apple");
-    for (int n = 2; n < 20; ++n) manager->insert(Tag{idNumber(n), "Tag " + std::to_string(n), "00ff00"});
-  }
-  EXPECT_EQ(savedTags().size(), 19U);
-}
-
 // The stored file is a pipe, so the load waits until the test writes the stored list into it: the insert
-// is certainly made before the load is applied. Durable mode, so that the save replaces the pipe.
+// is certainly made before the load is applied, and the index built meanwhile must be rebuilt after it.
+// Durable mode, so that the save replaces the pipe. Destruction waits for the save made just before it.
 TEST_F(TagsManagerTest, ChangeMadeBeforeTheLoadIsReplayedOnTheStoredTags) {
   ASSERT_EQ(::mkfifo(tagsFile().c_str(), 0600), 0);
-  TagsManager manager(locations(), StorageOptions{.durable = true});
-  change(manager, "insert 3:Early");
-  EXPECT_EQ(manager.tags(), tagsFrom("3:Early"));
-  EXPECT_TRUE(indexAgreesWithList(manager));
+  {
+    TagsManager manager(locations(), StorageOptions{.durable = true});
+    change(manager, "insert 3:Early");
+    EXPECT_EQ(manager.tags(), tagsFrom("3:Early"));
+    EXPECT_TRUE(indexAgreesWithList(manager));
 
-  std::ofstream(tagsFile()) << json::encode(tagsFrom("2:Zulu,1:Alpha"));
-  manager.waitUntilLoaded();
-  EXPECT_EQ(manager.tags(), tagsFrom("1:Alpha,3:Early,2:Zulu"));
-  manager.waitForPendingSaves();
-  EXPECT_EQ(savedTags(), tagsFrom("1:Alpha,3:Early,2:Zulu"));
+    std::ofstream(tagsFile()) << json::encode(tagsFrom("2:Zulu,1:Alpha"));
+    manager.waitUntilLoaded();
+    EXPECT_EQ(manager.tags(), tagsFrom("1:Alpha,3:Early,2:Zulu"));
+    EXPECT_TRUE(indexAgreesWithList(manager));
+    change(manager, "delete 1:Alpha");
+  }
+  EXPECT_EQ(savedTags(), tagsFrom("3:Early,2:Zulu"));
 }
 
 using TagsManagerConcurrencyTest = TagsManagerTest;
@@ -153,46 +137,34 @@ using TagsManagerConcurrencyTest = TagsManagerTest;
 // was handed and the index agrees with it. At the end the file holds the list that observers saw last.
 TEST_F(TagsManagerConcurrencyTest, ConcurrentChangesEndWithTheFileEqualToTheListObserversSawLast) {
   TagsManager manager(locations());  // no file: starts loading the defaults while the threads begin
-
   std::mutex seenMutex;
   std::vector<Tag> lastSeen;
-  std::atomic<int> notifications{0}, inconsistentNotifications{0}, badLookups{0};
+  std::atomic<int> inconsistentNotifications{0};
   auto subscription = manager.tagsPublisher().subscribe([&](const std::vector<Tag>& tags) {
-    ++notifications;
     if (manager.tags() != tags || !indexAgreesWithList(manager)) ++inconsistentNotifications;
     std::lock_guard lock(seenMutex);
     lastSeen = tags;
   });
 
-  constexpr int threads = 4, changesPerThread = 150;
   std::vector<std::thread> writers;
-  for (int t = 0; t < threads; ++t) {
+  for (int t = 0; t < 4; ++t) {
     writers.emplace_back([&, t] {
       const char* const operations[] = {"insert", "update", "delete"};
-      for (int i = 0; i < changesPerThread; ++i) {
+      for (int i = 0; i < 150; ++i) {
         const auto n = detail::random::uniformBelow(24) + 1;
         change(manager, std::string(operations[(i + t) % 3]) + " " + std::to_string(n) + ":Tag" +
                             std::to_string((n * 7 + t) % 24));
-        const auto found = manager.tags(std::set<UUID>(ids.begin(), ids.end()));
-        const bool sorted = std::is_sorted(found.begin(), found.end(), [](const Tag& a, const Tag& b) {
-          return text::canonicalCompare(a.title, b.title) < 0;
-        });
-        badLookups += sorted ? 0 : 1;
-        static_cast<void>(manager.formattedListString({ids.begin(), ids.end()}));
+        // Rebuilds the index under the others' changes; what lookups give is checked above.
+        static_cast<void>(manager.formattedListString({idNumber(n), idNumber(n % 24 + 1)}));
       }
     });
   }
   for (auto& writer : writers) writer.join();
-  manager.waitForPendingSaves();
+  manager.waitForPendingSaves();  // the load's notification, too, is over
 
   EXPECT_EQ(inconsistentNotifications.load(), 0);
-  EXPECT_EQ(badLookups.load(), 0);
-  EXPECT_GE(notifications.load(), threads * changesPerThread);
   EXPECT_TRUE(indexAgreesWithList(manager));
-  {
-    std::lock_guard lock(seenMutex);
-    EXPECT_EQ(lastSeen, manager.tags());
-  }
+  EXPECT_EQ(lastSeen, manager.tags());
   EXPECT_EQ(savedTags(), manager.tags());
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,17 +13,14 @@ namespace {
 TEST(PublisherTest, DeliversInSubscriptionOrderUntilCancelled) {
   std::vector<std::string> heard;
   const auto listener = [&heard](std::string name) {
-    return [&heard, name](const std::string& text, const int& n) {
-      heard.push_back(name + text + std::to_string(n));
-    };
+    return [&heard, name](auto& text, int n) { heard.push_back(name + text + std::to_string(n)); };
   };
   Subscription survivor;
   {
     Publisher<std::string, int> publisher;
-    std::optional<Subscription> self;
-    self = publisher.subscribe([&](const std::string& text, const int& n) {
+    Subscription self = publisher.subscribe([&](auto& text, int n) {
       listener("self:")(text, n);
-      self->cancel();  // from its own callback
+      self.cancel();  // from its own callback
     });
     auto first = publisher.subscribe(listener("1:"));
     auto second = publisher.subscribe(listener("2:"));
@@ -49,9 +45,8 @@ TEST(ObservableObjectConcurrencyTest, LazyPublisherIsMadeOnceUnderRacingFirstUse
     std::atomic<int> heard{0};
     std::vector<Subscription> subscriptions(4);
     std::vector<std::jthread> threads;
-    for (auto& subscription : subscriptions) {
+    for (auto& subscription : subscriptions)
       threads.emplace_back([&] { subscription = object.objectWillChange().subscribe([&] { ++heard; }); });
-    }
     threads.clear();  // joins
     object.change();
     EXPECT_EQ(heard.load(), 4);

@@ -10,7 +10,6 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 // Every fault in both write modes: what the caller is told, what is logged, and what is left on disk. In
@@ -80,7 +79,6 @@ TEST_P(StorageFaultTest, FullDisk) {
   detail::write_faults::failAfter(5);
   manager.insert(Tag{UUID::random(), "New", "ffffff"});
   manager.waitForPendingSaves();
-  detail::write_faults::failAfter(std::nullopt);
   EXPECT_THAT(logs(), ElementsAre(AllOf(StartsWith("error: Failed to save tags "),
                                         HasSubstr("No space left on device"))));
   ASSERT_EQ(manager.tags().size(), 2U);
@@ -114,7 +112,7 @@ TEST_P(StorageFaultTest, FileTruncatedAtEveryOffset) {
     EXPECT_THROW(store.loadExisting().get(), DecodingError);
     EXPECT_THAT(logs(), Contains(StartsWith("error: Unable to load readings: ")).Times(2));
     const auto copies = namesStartingWith(container(), "readings.unreadable-");
-    ASSERT_THAT(copies, SizeIs(durable() ? 1 : 0));
+    ASSERT_THAT(copies, ::testing::SizeIs(durable() ? 1 : 0));
     if (durable()) {
       EXPECT_THAT(copies[0], ::testing::MatchesRegex("readings\\.unreadable-[0-9]{8}T[0-9]{6}Z"));
       EXPECT_EQ(readWholeFile(container() / copies[0]), whole.substr(0, length));

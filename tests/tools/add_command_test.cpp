@@ -6,7 +6,6 @@ namespace cardiolith::tool::testing {
 namespace {
 
 using AddCommandTest = ToolTest;
-using nlohmann::json;
 
 TEST_F(AddCommandTest, StoresTheReadingAsTypedAndReportsIt) {
   EXPECT_EQ(succeed({"add", "128/82", "--pulse", "71", "--at", "2026-11-20 07:45", "--note", "after coffee",
@@ -17,15 +16,18 @@ TEST_F(AddCommandTest, StoresTheReadingAsTypedAndReportsIt) {
   // The pulse as a third number may be repeated by --pulse; a day alone means its midnight.
   EXPECT_EQ(succeed({"add", "118/76/64", "--pulse", "64", "--at", "2026-11-21"}),
             "Added 2026-11-21 00:00  118/76 mmHg, pulse 64: Normal\n");
-  succeed({"add", "80/90", "-p", "300", "--at", "2099-01-01", "--force"});
+  // The library reads launch arguments itself and empties the log when it sees this one; typed as a note
+  // it must stay a note, and the two readings before it must stay.
+  succeed({"add", "80/90", "-p", "300", "--at", "2099-01-01", "--force", "--note", "DELETE_ALL_RECORDS"});
 
   auto readings = listed();
   ASSERT_EQ(readings.size(), 3u);
   EXPECT_THAT(readings[2]["id"].get<std::string>(),
               MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
   for (auto& reading : readings) reading.erase("id");
-  EXPECT_EQ(readings, json::parse(R"([
-    {"date":"2099-01-01T00:00:00Z","systolic":80,"diastolic":90,"pulse":300,"category":"veryHigh","tags":[],"notes":null},
+  EXPECT_EQ(readings, nlohmann::json::parse(R"([
+    {"date":"2099-01-01T00:00:00Z","systolic":80,"diastolic":90,"pulse":300,"category":"veryHigh","tags":[],
+     "notes":"DELETE_ALL_RECORDS"},
     {"date":"2026-11-21T00:00:00Z","systolic":118,"diastolic":76,"pulse":64,"category":"normal","tags":[],"notes":null},
     {"date":"2026-11-20T07:45:00Z","systolic":128,"diastolic":82,"pulse":71,"category":"high",
      "tags":["Left arm","Morning"],"notes":"after coffee"}])"));
@@ -37,26 +39,17 @@ TEST_F(AddCommandTest, TakesTheTimeInTheLocalZone) {
   EXPECT_EQ(listed()[0]["date"], "2026-03-29T03:30:00+02:00");
 }
 
-// The library reads launch arguments itself and empties the log when it sees this one; typed as a note
-// it must stay a note.
-TEST_F(AddCommandTest, AResetWordInANoteDoesNotEmptyTheLog) {
-  succeed({"add", "120/80/60", "--note", "DELETE_ALL_RECORDS"});
-  succeed({"add", "121/80/60", "--note", "DELETE_ALL_RECORDS"});
-  EXPECT_EQ(listed().size(), 2u);
-}
-
 TEST_F(AddCommandTest, TwoHundredStartedAtOnceAllLand) {
-  constexpr std::size_t count = 200;
-  std::vector<ToolProcess> processes;
-  for (std::size_t i = 0; i < count; ++i)
-    processes.push_back(start({"add", std::to_string(100 + i % 50) + "/70/60", "--note", std::to_string(i)}));
-  for (auto& process : processes) EXPECT_EQ(process.wait().exitCode, 0);
+  std::vector<Arguments> adds;
+  for (int i = 0; i < 200; ++i)
+    adds.push_back({"add", std::to_string(100 + i % 50) + "/70/60", "--note", std::to_string(i)});
+  for (const auto& result : runAll(adds)) EXPECT_EQ(result.exitCode, 0) << result.err;
 
   const auto readings = listed();
   std::set<std::string> notes;
   for (const auto& reading : readings) notes.insert(reading["notes"].get<std::string>());
-  EXPECT_EQ(readings.size(), count);
-  EXPECT_EQ(notes.size(), count) << "every add's own reading, none twice";
+  EXPECT_EQ(readings.size(), 200u);
+  EXPECT_EQ(notes.size(), 200u) << "every add's own reading, none twice";
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 // What needs no data folder: the default places for the log, and classify.
 
+#include <array>
+
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {
@@ -8,24 +10,21 @@ namespace {
 using InvocationTest = ToolTest;
 
 TEST_F(InvocationTest, WithoutDataDirTheLogLivesInTheDefaultPlaces) {
-  EXPECT_THAT(runPlain({}).out, HasSubstr("Start with:  cardiolith add 128/82 --pulse 71"));
-  ASSERT_EQ(runPlain({"add", "121/80/60"}).exitCode, 0);
+  EXPECT_THAT(run({}, false).out, HasSubstr("Start with:  cardiolith add 128/82 --pulse 71"));
+  ASSERT_EQ(run({"add", "121/80/60"}, false).exitCode, 0);
   EXPECT_TRUE(std::filesystem::exists(root_ / "home" / ".local" / "share" / "group.cardiolith" / "readings"));
 
   const auto container = root_ / "container";
   environment_["CARDIOLITH_GROUP_CONTAINER"] = container.string();
   environment_["CARDIOLITH_DOCUMENTS_DIR"] = (root_ / "documents").string();
-  ASSERT_EQ(runPlain({"add", "120/80/60"}).exitCode, 0);
+  ASSERT_EQ(run({"add", "120/80/60"}, false).exitCode, 0);
   EXPECT_TRUE(std::filesystem::exists(container / "readings"));
   EXPECT_TRUE(std::filesystem::exists(container / "readings.lock"));
-  EXPECT_THAT(runPlain({"list"}).out, HasSubstr("120   80     60"));
+  EXPECT_THAT(run({"list"}, false).out, HasSubstr("120   80     60"));
 }
 
 TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
-  struct Case {
-    std::string pair, key, text;
-  };
-  const std::vector<Case> cases{
+  const std::vector<std::array<std::string, 3>> cases{
       {"0/0", "low", "Low (systolic below 90 and diastolic below 60)"},
       {"120/80", "normal", "Normal (systolic 90-120 and diastolic 60-80)"},
       {"120/59", "elevated", "Elevated (systolic 120-129 and diastolic 80 or less)"},

@@ -1,13 +1,10 @@
 // list, summary and export over one small log.
 
-#include <algorithm>
-
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {
 namespace {
 
-using nlohmann::json;
 using ::testing::ElementsAre;
 
 // Added out of date order, so every report has to sort. 1-8 March averages 130/85/70 and the 7 days before
@@ -42,7 +39,6 @@ TEST_F(LogReportsTest, ListRangesIncludeBothEndsAndTheWholeLastDay) {
       {{"--to", "2026-01-10"}, {"2026-01-10T23:59:00Z"}},
       {{"--from", "2026-03-02 08:00", "--to", "2026-03-05 20:00"},
        {"2026-03-05T20:00:00Z", "2026-03-02T08:00:00Z"}},
-      {{"--from", "2027-01-01"}, {}},
   };
   for (const auto& [options, dates] : cases) {
     std::vector<std::string> listedDates;
@@ -71,27 +67,22 @@ TEST_F(LogReportsTest, SummaryComparesThePeriodWithTheOneBefore) {
   EXPECT_THAT(
       succeed({"summary", "--from", "2026-02-25", "--to", "2026-02-25"}),
       HasSubstr("(no readings in the period before, so no change)\n\nCategory of the average: Normal"));
-  EXPECT_THAT(
-      succeed({"summary", "--from", "2026-02-25", "--to", "2026-02-25", "--json"}),
-      HasSubstr(
-          R"("previous":null,"change":{"systolic":null,"diastolic":null,"pulse":null},"category":"normal"})"));
 }
 
 TEST_F(LogReportsTest, PeriodsCountBackFromNow) {
   EXPECT_THAT(succeed({"summary", "--days", "3"}),
               MatchesRegex("Last 3 days .*\nNo readings in this period.*"));
   EXPECT_THAT(succeed({"summary", "--days", "3", "--json"}),
-              HasSubstr(R"("readings":0,"current":null,"previous":null,)"
-                        R"("change":{"systolic":null,"diastolic":null,"pulse":null},"category":null})"));
+              MatchesRegex(R"(.*"readings":0,"current":null,"previous":null,.*,"category":null}.*)"));
 
   succeed({"add", "122/78/66"});
-  const auto recent = json::parse(succeed({"summary", "--json"}));
-  EXPECT_EQ(recent["readings"], 1);
-  EXPECT_EQ(recent["category"], "elevated");
+  // The default period, the last 7 days, holds the new reading, and the week before it none.
+  EXPECT_THAT(succeed({"summary", "--json"}),
+              HasSubstr(R"("previous":null,"change":{"systolic":null,)"
+                        R"("diastolic":null,"pulse":null},"category":"elevated"})"));
   for (const auto& [span, count] :
-       std::vector<std::pair<std::string, std::size_t>>{{"1d", 1}, {"1", 1}, {"2w", 1}, {"100000d", 5}}) {
+       std::vector<std::pair<std::string, std::size_t>>{{"1d", 1}, {"1", 1}, {"2w", 1}, {"100000d", 5}})
     EXPECT_EQ(listed({"--last", span}).size(), count) << span;
-  }
 }
 
 TEST_F(LogReportsTest, ExportWritesOneRowPerReadingOldestFirst) {
@@ -100,23 +91,19 @@ TEST_F(LogReportsTest, ExportWritesOneRowPerReadingOldestFirst) {
                           "2026-02-25 08:00,120,80,77,,",
                           "2026-03-02 08:00,128,84,68,Left arm; Morning,dizzy  'bad' day slept late",
                           "2026-03-05 20:00,132,86,72,,tab\there"));
-  EXPECT_EQ(lines(succeed({"export", "--format", "tsv", "--notes"}))[4],
-            "2026-03-05 20:00\t132\t86\t72\ttab here");
 
-  const std::vector<std::pair<Arguments, std::string>> headers{
-      {{"export"}, "Date,Systolic,Diastolic,Pulse"},
-      {{"export", "--notes"}, "Date,Systolic,Diastolic,Pulse,Notes"},
-      {{"export", "--format", "tsv", "--tags", "--notes"}, "Date\tSystolic\tDiastolic\tPulse\tTags\tNotes"},
+  // Each column is there only when asked for, in the header and in every row; a TSV cell loses its tabs.
+  const std::vector<std::pair<Arguments, std::vector<std::string>>> cases{
+      {{"export"}, {"Date,Systolic,Diastolic,Pulse", "2026-03-05 20:00,132,86,72"}},
+      {{"export", "--notes"},
+       {"Date,Systolic,Diastolic,Pulse,Notes", "2026-03-05 20:00,132,86,72,tab\there"}},
+      {{"export", "--format", "tsv", "--tags", "--notes"},
+       {"Date\tSystolic\tDiastolic\tPulse\tTags\tNotes", "2026-03-05 20:00\t132\t86\t72\t\ttab here"}},
   };
-  for (const auto& [arguments, header] : headers) {
+  for (const auto& [arguments, firstAndLast] : cases) {
     const auto rows = lines(succeed(arguments));
     ASSERT_EQ(rows.size(), 5u);
-    EXPECT_EQ(rows[0], header);
-    const char separator = header.find('\t') == std::string::npos ? ',' : '\t';
-    for (const auto& row : rows)
-      EXPECT_EQ(std::count(row.begin(), row.end(), separator),
-                std::count(header.begin(), header.end(), separator))
-          << row;
+    EXPECT_EQ((std::vector{rows.front(), rows.back()}), firstAndLast);
   }
 
   const auto file = root_ / "export.csv";
@@ -128,8 +115,7 @@ using EmptyLogTest = ToolTest;
 
 TEST_F(EmptyLogTest, ReportsSayHowToAddAReading) {
   for (const auto& command : {"list", "summary"})
-    EXPECT_THAT(succeed({command}), HasSubstr("The log is empty")) << command;
-  EXPECT_THAT(succeed({"list"}), HasSubstr("cardiolith add 128/82 --pulse 71"));
+    EXPECT_THAT(succeed({command}), MatchesRegex("The log is empty.*\n  cardiolith add 128/82 --pulse 71\n"));
   EXPECT_EQ(succeed({"list", "--json"}), "{\"readings\":[]}\n");
 }
 

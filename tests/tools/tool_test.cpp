@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -15,56 +14,6 @@
 #include <utility>
 
 namespace cardiolith::tool::testing {
-namespace {
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-  std::vector<char*> result;
-  for (auto& text : texts) result.push_back(text.data());
-  result.push_back(nullptr);
-  return result;
-}
-
-}  // namespace
-
-ToolProcess::ToolProcess(const Arguments& arguments, const std::map<std::string, std::string>& environment,
-                         const std::filesystem::path& scratch) {
-  static std::atomic<int> counter{0};
-  output_ = scratch / ("process-" + std::to_string(counter++));
-  Arguments argv{CARDIOLITH_TOOL_PATH};
-  argv.insert(argv.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> envp;
-  for (const auto& [name, value] : environment) envp.push_back(name + "=" + value);
-
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  const std::string out = output_.string() + ".out", err = output_.string() + ".err";
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  auto argPointers = pointers(argv);
-  auto envPointers = pointers(envp);
-  const int error =
-      posix_spawn(&pid_, argv.front().c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) throw std::runtime_error(std::string("can't start the tool: ") + std::strerror(error));
-}
-
-ToolProcess::ToolProcess(ToolProcess&& other) noexcept
-    : pid_(std::exchange(other.pid_, -1)), output_(std::move(other.output_)) {}
-
-ToolProcess::~ToolProcess() {
-  if (pid_ > 0) wait();
-}
-
-ToolResult ToolProcess::wait() {
-  int status = 0;
-  while (::waitpid(pid_, &status, 0) < 0) {
-    if (errno != EINTR) throw std::runtime_error(std::string("waitpid: ") + std::strerror(errno));
-  }
-  pid_ = -1;
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-          readFile(output_.string() + ".out"), readFile(output_.string() + ".err")};
-}
 
 ToolTest::ToolTest() {
   std::filesystem::create_directories(root_ / "home");
@@ -76,16 +25,54 @@ ToolTest::ToolTest() {
   }
 }
 
+std::vector<ToolResult> ToolTest::runAll(const std::vector<Arguments>& runs, bool withDataDir) {
+  const auto pointers = [](std::vector<std::string>& texts) {  // as the exec functions take them
+    std::vector<char*> result;
+    for (auto& text : texts) result.push_back(text.data());
+    result.push_back(nullptr);
+    return result;
+  };
+  std::vector<std::string> envp;
+  for (const auto& [name, value] : environment_) envp.push_back(name + "=" + value);
+  auto envPointers = pointers(envp);
+  std::vector<std::pair<pid_t, std::string>> started;  // each run's process and the stem of its output files
+  for (const auto& arguments : runs) {
+    Arguments argv{CARDIOLITH_TOOL_PATH};
+    if (withDataDir) argv.insert(argv.end(), {"--data-dir", data_.string()});
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    const std::string output = (root_ / ("process-" + std::to_string(processes_++))).string();
+    const std::string out = output + ".out", err = output + ".err";
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                     0644);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                     0644);
+    auto argPointers = pointers(argv);
+    pid_t pid = -1;
+    const int error =
+        posix_spawn(&pid, argv.front().c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) throw std::runtime_error(std::string("can't start the tool: ") + std::strerror(error));
+    started.emplace_back(pid, output);
+  }
+  std::vector<ToolResult> results;
+  for (const auto& [pid, output] : started) {
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0) {
+      if (errno != EINTR) throw std::runtime_error(std::string("waitpid: ") + std::strerror(errno));
+    }
+    results.push_back({WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+                       readFile(output + ".out"), readFile(output + ".err")});
+  }
+  return results;
+}
+
 std::string ToolTest::succeed(const Arguments& arguments) {
   const auto result = run(arguments);
   EXPECT_EQ(result.exitCode, 0) << ::testing::PrintToString(arguments) << ": " << result.err;
   return result.out;
-}
-
-ToolProcess ToolTest::start(const Arguments& arguments) {
-  Arguments withFolder{"--data-dir", data_.string()};
-  withFolder.insert(withFolder.end(), arguments.begin(), arguments.end());
-  return ToolProcess(withFolder, environment_, root_);
 }
 
 nlohmann::json ToolTest::listed(const Arguments& options) {
@@ -95,9 +82,8 @@ nlohmann::json ToolTest::listed(const Arguments& options) {
 }
 
 std::string readFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
   std::ostringstream text;
-  text << file.rdbuf();
+  text << std::ifstream(path, std::ios::binary).rdbuf();
   return text.str();
 }
 

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
 #include <filesystem>
 #include <map>
@@ -16,56 +15,36 @@ namespace cardiolith::tool::testing {
 
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
-using ::testing::Not;
 using Arguments = std::vector<std::string>;
 
 struct ToolResult {
   int exitCode = -1;  // the exit status, or 128 + signal number when a signal ended the process
-  std::string out;
-  std::string err;
+  std::string out, err;
 };
 
-// The built tool running as a child process, with standard input from /dev/null and its output captured
-// in files under `scratch`. The environment is exactly `environment`, so nothing of the caller's (their
-// home, their time zone) leaks into a test.
-class ToolProcess {
- public:
-  ToolProcess(const Arguments& arguments, const std::map<std::string, std::string>& environment,
-              const std::filesystem::path& scratch);
-  ToolProcess(ToolProcess&& other) noexcept;
-  ~ToolProcess();
-  ToolResult wait();
-
- private:
-  pid_t pid_ = -1;
-  std::filesystem::path output_;  // the captured streams are output_ + ".out" and + ".err"
-};
-
-// Each test gets a fresh folder with a home, a data folder and room for output, and runs the tool in the
-// UTC time zone and the C.UTF-8 locale unless it says otherwise.
+// Each test gets a fresh folder with a home, a data folder and room for output, and runs the built tool as
+// a child process with standard input from /dev/null, in the UTC time zone and the C.UTF-8 locale unless it
+// says otherwise. The tool's environment is exactly `environment_`, so nothing of the caller's (their home,
+// their time zone) leaks into a test.
 class ToolTest : public ::testing::Test {
  protected:
   ToolTest();
-
-  // Runs the tool on the test's data folder (--data-dir) and waits for it.
-  ToolResult run(const Arguments& arguments) { return start(arguments).wait(); }
-  // Runs it and expects success.
-  std::string succeed(const Arguments& arguments);
-  // Starts the tool on the test's data folder without waiting.
-  ToolProcess start(const Arguments& arguments);
-  // Runs the tool with exactly these arguments, without --data-dir.
-  ToolResult runPlain(const Arguments& arguments) {
-    return ToolProcess(arguments, environment_, root_).wait();
+  // Starts every one of these runs before waiting for any, on the test's data folder (--data-dir) unless
+  // `withDataDir` is false.
+  std::vector<ToolResult> runAll(const std::vector<Arguments>& runs, bool withDataDir = true);
+  ToolResult run(const Arguments& arguments, bool withDataDir = true) {
+    return runAll({arguments}, withDataDir).front();
   }
+  // Runs the tool, expects success and returns standard output.
+  std::string succeed(const Arguments& arguments);
   // The readings of `list --json` with these options.
   nlohmann::json listed(const Arguments& options = {});
 
   cardiolith::testing::TemporaryDirectory folder_;
-  const std::filesystem::path root_ = folder_.path();
-  const std::filesystem::path data_ = root_ / "data";
-  const std::filesystem::path readingsFile_ = data_ / "readings";
-  const std::filesystem::path tagsFile_ = data_ / "tags";
+  const std::filesystem::path root_ = folder_.path(), data_ = root_ / "data";
+  const std::filesystem::path readingsFile_ = data_ / "readings", tagsFile_ = data_ / "tags";
   std::map<std::string, std::string> environment_;
+  int processes_ = 0;  // names each run's captured output
 };
 
 std::string readFile(const std::filesystem::path& path);

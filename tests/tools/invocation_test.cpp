@@ -25,7 +25,7 @@ TEST_F(InvocationTest, WithoutDataDirTheLogLivesInTheDefaultPlaces) {
 
 TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
   const std::vector<std::array<std::string, 3>> cases{
-      {"0/0", "low", "Low (systolic below 90 and diastolic below 60)"},
+      {"0/0", "low", "Low (systolic 89 or less and diastolic 59 or less)"},
       {"120/80", "normal", "Normal (systolic 90-120 and diastolic 60-80)"},
       {"120/59", "elevated", "Elevated (systolic 120-129 and diastolic 80 or less)"},
       {"135/95", "high", "High (systolic 130-139, or diastolic 81-89)"},

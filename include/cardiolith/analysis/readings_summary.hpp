@@ -36,7 +36,9 @@ class ReadingsSummary {
   std::optional<float> diastolicChange() const { return diastolicChange_; }
   std::optional<float> pulseChange() const { return pulseChange_; }
   // The category of the current averages truncated toward zero; present exactly when they are.
-  std::optional<BloodPressureAnalysis> currentPeriodAverageAnalysis() const { return currentPeriodAverageAnalysis_; }
+  std::optional<BloodPressureAnalysis> currentPeriodAverageAnalysis() const {
+    return currentPeriodAverageAnalysis_;
+  }
   Date currentPeriodStartDate() const { return currentPeriodStartDate_; }
   Date currentPeriodEndDate() const { return currentPeriodEndDate_; }
 

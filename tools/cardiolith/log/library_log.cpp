@@ -1,4 +1,4 @@
-#include "library_log.hpp"
+#include "log/library_log.hpp"
 
 #include <cardiolith/platform/logger.hpp>
 #include <iostream>

@@ -3,10 +3,10 @@
 #include <memory>
 #include <string>
 
-#include "category_text.hpp"
-#include "commands.hpp"
-#include "json_writer.hpp"
-#include "pressure_input.hpp"
+#include "commands/commands.hpp"
+#include "input/pressure_input.hpp"
+#include "render/category_text.hpp"
+#include "render/json_writer.hpp"
 
 namespace cardiolith::tool {
 namespace {

@@ -5,8 +5,8 @@
 #include <cardiolith/storage/readings_store.hpp>
 #include <filesystem>
 
-#include "folder_lock.hpp"
 #include "global_options.hpp"
+#include "log/folder_lock.hpp"
 
 namespace cardiolith::tool {
 

@@ -11,11 +11,11 @@
 #include <memory>
 #include <string>
 
-#include "category_text.hpp"
-#include "commands.hpp"
-#include "data_folder.hpp"
-#include "output_file.hpp"
-#include "svg_chart.hpp"
+#include "commands/commands.hpp"
+#include "log/data_folder.hpp"
+#include "log/output_file.hpp"
+#include "render/category_text.hpp"
+#include "render/svg_chart.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {

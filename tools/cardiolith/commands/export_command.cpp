@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "commands.hpp"
-#include "data_folder.hpp"
-#include "output_file.hpp"
-#include "reading_text.hpp"
-#include "tag_list.hpp"
+#include "commands/commands.hpp"
+#include "log/data_folder.hpp"
+#include "log/output_file.hpp"
+#include "log/tag_list.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {

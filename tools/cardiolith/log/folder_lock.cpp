@@ -1,4 +1,4 @@
-#include "folder_lock.hpp"
+#include "log/folder_lock.hpp"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,4 +1,4 @@
-#include "output_file.hpp"
+#include "log/output_file.hpp"
 
 #include <fstream>
 #include <system_error>

@@ -1,10 +1,10 @@
-#include "tag_list.hpp"
+#include "log/tag_list.hpp"
 
 #include <algorithm>
 #include <cardiolith/platform/text.hpp>
 #include <cctype>
 
-#include "library_log.hpp"
+#include "log/library_log.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {

@@ -2,9 +2,7 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace cardiolith::tool {
 
@@ -17,9 +15,5 @@ struct PressureInput {
 
 // "128/82", or with `allowPulse` also "128/82/71". ToolError, with an example, for anything else.
 PressureInput parsePressure(std::string_view text, bool allowPulse);
-
-// Why a measurement can't be a real one, one sentence per problem; empty when it is plausible. Catches
-// typing slips (a missing or extra digit, swapped numbers) before they land in the log.
-std::vector<std::string> implausibilities(std::int64_t systolic, std::int64_t diastolic, std::int64_t pulse);
 
 }  // namespace cardiolith::tool

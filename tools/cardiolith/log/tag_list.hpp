@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "data_folder.hpp"
+#include "log/data_folder.hpp"
 
 namespace cardiolith::tool {
 

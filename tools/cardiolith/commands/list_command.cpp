@@ -8,14 +8,14 @@
 #include <optional>
 #include <string>
 
-#include "category_text.hpp"
-#include "commands.hpp"
-#include "data_folder.hpp"
-#include "date_input.hpp"
-#include "json_writer.hpp"
-#include "reading_text.hpp"
-#include "tag_list.hpp"
-#include "text_table.hpp"
+#include "commands/commands.hpp"
+#include "input/date_input.hpp"
+#include "log/data_folder.hpp"
+#include "log/tag_list.hpp"
+#include "render/category_text.hpp"
+#include "render/json_writer.hpp"
+#include "render/reading_text.hpp"
+#include "render/text_table.hpp"
 
 namespace cardiolith::tool {
 namespace {

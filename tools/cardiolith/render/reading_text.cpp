@@ -1,8 +1,8 @@
-#include "reading_text.hpp"
+#include "render/reading_text.hpp"
 
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
 
-#include "category_text.hpp"
+#include "render/category_text.hpp"
 
 namespace cardiolith::tool {
 

@@ -1,4 +1,4 @@
-#include "date_input.hpp"
+#include "input/date_input.hpp"
 
 #include <charconv>
 #include <ctime>

@@ -1,4 +1,4 @@
-#include "json_writer.hpp"
+#include "render/json_writer.hpp"
 
 #include <array>
 #include <charconv>

@@ -1,3 +1,4 @@
+#include <cardiolith/analysis/plausibility.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <cardiolith/platform/text.hpp>
 #include <cardiolith/platform/uuid.hpp>
@@ -9,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "commands.hpp"
-#include "data_folder.hpp"
-#include "date_input.hpp"
-#include "pressure_input.hpp"
-#include "reading_text.hpp"
-#include "tag_list.hpp"
+#include "commands/commands.hpp"
+#include "input/date_input.hpp"
+#include "input/pressure_input.hpp"
+#include "log/data_folder.hpp"
+#include "log/tag_list.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {

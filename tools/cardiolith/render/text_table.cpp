@@ -1,4 +1,4 @@
-#include "text_table.hpp"
+#include "render/text_table.hpp"
 
 #include <algorithm>
 

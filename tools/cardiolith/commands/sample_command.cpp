@@ -4,10 +4,10 @@
 #include <memory>
 #include <optional>
 
-#include "commands.hpp"
-#include "data_folder.hpp"
-#include "reading_text.hpp"
-#include "tag_list.hpp"
+#include "commands/commands.hpp"
+#include "log/data_folder.hpp"
+#include "log/tag_list.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {

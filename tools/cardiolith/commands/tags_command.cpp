@@ -6,11 +6,11 @@
 #include <memory>
 #include <string>
 
-#include "commands.hpp"
-#include "data_folder.hpp"
-#include "folder_lock.hpp"
-#include "tag_list.hpp"
-#include "text_table.hpp"
+#include "commands/commands.hpp"
+#include "log/data_folder.hpp"
+#include "log/folder_lock.hpp"
+#include "log/tag_list.hpp"
+#include "render/text_table.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {

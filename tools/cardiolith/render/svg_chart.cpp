@@ -1,4 +1,4 @@
-#include "svg_chart.hpp"
+#include "render/svg_chart.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -6,6 +6,8 @@
 #include <optional>
 #include <sstream>
 #include <string_view>
+
+#include "render/category_text.hpp"
 
 namespace cardiolith::tool {
 namespace {
@@ -25,29 +27,45 @@ constexpr double pageHeight = diastolicTop + diastolicHeight + 52;
 constexpr std::string_view fontFamily = "DejaVu Sans, Helvetica, Arial, sans-serif";
 
 struct Band {
-  double lower;  // mmHg; halfway between whole values, so a reading never sits on a boundary
+  double lower;  // mmHg, from the category table
   double upper;
   std::string_view name;
   std::string_view fill;
   std::string_view ink;
 };
 
-constexpr std::string_view lowFill = "#dbeafe", lowInk = "#1e40af";
-constexpr std::string_view normalFill = "#dcfce7", normalInk = "#166534";
-constexpr std::string_view elevatedFill = "#fef9c3", elevatedInk = "#854d0e";
-constexpr std::string_view highFill = "#ffedd5", highInk = "#9a3412";
-constexpr std::string_view veryHighFill = "#fee2e2", veryHighInk = "#991b1b";
+struct BandColors {
+  std::string_view fill;
+  std::string_view ink;
+};
 
-constexpr double below = -1e9, above = 1e9;
-const Band systolicBands[] = {{below, 89.5, "Low", lowFill, lowInk},
-                              {89.5, 120.5, "Normal", normalFill, normalInk},
-                              {120.5, 129.5, "Elevated", elevatedFill, elevatedInk},
-                              {129.5, 139.5, "High", highFill, highInk},
-                              {139.5, above, "Very high", veryHighFill, veryHighInk}};
-const Band diastolicBands[] = {{below, 59.5, "Low", lowFill, lowInk},
-                               {59.5, 80.5, "Normal", normalFill, normalInk},
-                               {80.5, 89.5, "High", highFill, highInk},
-                               {89.5, above, "Very high", veryHighFill, veryHighInk}};
+// Shaded from blue (low) to red (very high).
+BandColors colorsOf(BloodPressureAnalysis category) {
+  switch (category) {
+    case BloodPressureAnalysis::low:
+      return {"#dbeafe", "#1e40af"};
+    case BloodPressureAnalysis::normal:
+      return {"#dcfce7", "#166534"};
+    case BloodPressureAnalysis::elevated:
+      return {"#fef9c3", "#854d0e"};
+    case BloodPressureAnalysis::high:
+      return {"#ffedd5", "#9a3412"};
+    case BloodPressureAnalysis::veryHigh:
+      return {"#fee2e2", "#991b1b"};
+    case BloodPressureAnalysis::unreadable:
+      break;
+  }
+  return {"#f3f4f6", "#374151"};
+}
+
+std::vector<Band> bandsOf(Pressure pressure) {
+  std::vector<Band> bands;
+  for (const auto& band : categoryBands(pressure)) {
+    const auto colors = colorsOf(band.category);
+    bands.push_back({band.lower, band.upper, categoryName(band.category), colors.fill, colors.ink});
+  }
+  return bands;
+}
 
 struct Panel {
   std::string_view name;
@@ -56,8 +74,7 @@ struct Panel {
   double height;
   double lowest;  // the value range the panel always shows, widened to fit the data
   double highest;
-  const Band* bands;
-  std::size_t bandCount;
+  std::vector<Band> bands;
   std::int64_t ChartPoint::*field;
 };
 
@@ -167,8 +184,7 @@ class ValueAxis {
 std::string wholeNumber(double value) { return std::to_string(static_cast<long long>(std::lround(value))); }
 
 void drawBands(Canvas& canvas, const Panel& panel, const ValueAxis& axis) {
-  for (std::size_t i = 0; i < panel.bandCount; ++i) {
-    const Band& band = panel.bands[i];
+  for (const Band& band : panel.bands) {
     const double top = axis.y(axis.clamped(band.upper)), bottom = axis.y(axis.clamped(band.lower));
     if (bottom - top <= 0) continue;
     canvas.rect(plotLeft, top, plotWidth, bottom - top, attribute("fill", band.fill));
@@ -278,7 +294,7 @@ void drawLegend(Canvas& canvas, std::string_view systolicColor, std::string_view
   x += 28;
   entryText("Average");
   x += 10;
-  for (const auto& band : systolicBands) {
+  for (const auto& band : bandsOf(Pressure::systolic)) {
     canvas.rect(x, y - 6, 12, 12,
                 attribute("fill", band.fill) + " " + attribute("stroke", band.ink) + " stroke-width=\"0.8\"");
     x += 17;
@@ -291,23 +307,16 @@ void drawLegend(Canvas& canvas, std::string_view systolicColor, std::string_view
 std::string renderChart(const ChartRequest& request) {
   constexpr std::string_view systolicColor = "#b4233c";
   constexpr std::string_view diastolicColor = "#1f4e9c";
-  const Panel systolic{"Systolic",
-                       systolicColor,
-                       systolicTop,
-                       systolicHeight,
-                       80,
-                       160,
-                       systolicBands,
-                       std::size(systolicBands),
-                       &ChartPoint::systolic};
+  const Panel systolic{
+      "Systolic",           systolicColor, systolicTop, systolicHeight, 80, 160, bandsOf(Pressure::systolic),
+      &ChartPoint::systolic};
   const Panel diastolic{"Diastolic",
                         diastolicColor,
                         diastolicTop,
                         diastolicHeight,
                         50,
                         100,
-                        diastolicBands,
-                        std::size(diastolicBands),
+                        bandsOf(Pressure::diastolic),
                         &ChartPoint::diastolic};
 
   const TimeAxis time(request.start, request.end);

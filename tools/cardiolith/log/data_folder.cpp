@@ -1,4 +1,4 @@
-#include "data_folder.hpp"
+#include "log/data_folder.hpp"
 
 #include <cardiolith/storage/storage_options.hpp>
 #include <cstdlib>

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cardiolith/analysis/blood_pressure_analysis.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cardiolith::tool {
+
+// The category in words for people ("Very high").
+std::string_view categoryName(BloodPressureAnalysis category);
+// The category's stable identifier for scripts ("veryHigh").
+std::string_view categoryKey(BloodPressureAnalysis category);
+// The pressures that make the category, in words, from the library's decision table ("systolic 140 or
+// more, or diastolic 90 or more").
+std::string categoryRule(BloodPressureAnalysis category);
+
+// One pressure's stretch of a category on a chart, in mmHg. Bounds lie halfway between whole values, so a
+// reading never sits on a boundary; the outermost bands are open (infinite).
+struct CategoryBand {
+  BloodPressureAnalysis category;
+  double lower;
+  double upper;
+};
+
+enum class Pressure { systolic, diastolic };
+
+// The bands of one pressure from low to high, derived from the decision table: each row that bounds that
+// pressure and reaches higher than the rows before it.
+std::vector<CategoryBand> categoryBands(Pressure pressure);
+
+}  // namespace cardiolith::tool

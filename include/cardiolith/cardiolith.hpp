@@ -2,6 +2,7 @@
 
 // Everything the library offers, in one include.
 #include "cardiolith/analysis/blood_pressure_analysis.hpp"
+#include "cardiolith/analysis/home_monitoring.hpp"
 #include "cardiolith/analysis/plausibility.hpp"
 #include "cardiolith/analysis/readings_summary.hpp"
 #include "cardiolith/analytics/event_logger.hpp"

@@ -81,4 +81,21 @@ std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   return days;
 }
 
+std::optional<LocalTime> Calendar::localTime(Date date) const {
+  if (!impl_) return std::nullopt;
+  const UDate millis = toMillis(date);
+  if (!std::isfinite(millis)) return std::nullopt;
+  std::lock_guard lock(impl_->mutex);
+  auto& calendar = *impl_->calendar;
+  UErrorCode status = U_ZERO_ERROR;
+  calendar.setTime(millis, status);
+  // The extended year counts years before year 1 as 0, -1, ..., so days stay ordered across the era change.
+  const LocalTime local{{calendar.get(UCAL_EXTENDED_YEAR, status), calendar.get(UCAL_MONTH, status) + 1,
+                         calendar.get(UCAL_DATE, status)},
+                        calendar.get(UCAL_HOUR_OF_DAY, status),
+                        calendar.get(UCAL_MINUTE, status)};
+  if (U_FAILURE(status)) return std::nullopt;
+  return local;
+}
+
 }  // namespace cardiolith

@@ -9,6 +9,21 @@
 
 namespace cardiolith {
 
+// A day of the calendar as people name it: year, month 1-12, day of the month 1-31.
+struct CalendarDay {
+  std::int32_t year = 0;
+  std::int32_t month = 0;
+  std::int32_t day = 0;
+  friend constexpr auto operator<=>(const CalendarDay&, const CalendarDay&) = default;
+};
+
+// An instant as the local clock shows it: the day, the hour 0-23 and the minute 0-59.
+struct LocalTime {
+  CalendarDay day;
+  std::int32_t hour = 0;
+  std::int32_t minute = 0;
+};
+
 // The user's calendar in a fixed time zone, over ICU.
 class Calendar {
  public:
@@ -24,6 +39,10 @@ class Calendar {
   // The whole calendar days from `from` to `to`, negative when `to` is earlier; nothing when the
   // calendar cannot count them.
   std::optional<std::int64_t> wholeDays(Date from, Date to) const;
+  // The local day and clock time of `date` in this calendar's time zone (after a daylight-saving change,
+  // the clock time that the zone shows then). Nothing when the calendar cannot represent the instant.
+  // Thread-safe, like every operation of a calendar.
+  std::optional<LocalTime> localTime(Date date) const;
 
   struct Impl;
 

@@ -1,3 +1,4 @@
+#include "pdf_text.hpp"
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {
@@ -19,24 +20,29 @@ TEST_F(SampleAndChartTest, SampleFillsAnEmptyLogAndAddsToAFullOneOnlyWhenForced)
   EXPECT_EQ(listed().size(), 17u) << "the samples are added to the log, not put in its place";
 }
 
-TEST_F(SampleAndChartTest, ChartDrawsBothPressuresOfEveryReadingInThePeriod) {
+TEST_F(SampleAndChartTest, ChartIsOnePictureWrittenAsSvgPngOrPdfByTheNameOfTheFile) {
   succeed({"sample", "--count", "20"});
   succeed({"add", "120/80/60", "--at", "2001-01-01"});  // long before the period
-  const auto svg = root_ / "chart.svg";
-  EXPECT_EQ(succeed({"chart", "--days", "30", "--out", svg.string()}),
-            "Wrote a chart of 20 readings to " + svg.string() + "\n");
+  // Each format by its signature, whatever the case of the extension.
+  const std::pair<const char*, std::string> formats[] = {
+      {"chart.svg", "<?xml"}, {"chart.PNG", "\x89PNG\r\n\x1a\n"}, {"chart.pdf", "%PDF-"}};
+  for (const auto& [name, signature] : formats) {
+    const auto file = root_ / name;
+    EXPECT_EQ(succeed({"chart", "--days", "30", "--out", file.string()}),
+              "Wrote a chart of 20 readings to " + file.string() + "\n");
+    EXPECT_EQ(readFile(file).substr(0, signature.size()), signature) << name;
+  }
+  EXPECT_THAT(succeed({"chart", "--out", "-"}), MatchesRegex("<\\?xml.*<svg .*</svg>\n"));
 
-  const std::string text = readFile(svg);
-  EXPECT_THAT(text, MatchesRegex("<svg xmlns=\"http://www.w3.org/2000/svg\".*</svg>\n"));
-  const auto occurrences = [&](const std::string& part) {
-    std::size_t count = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-    return count;
-  };
-  EXPECT_EQ(occurrences("<circle"), 2u * 20u + 2u) << "a dot per pressure per reading, and two in the legend";
-  EXPECT_EQ(occurrences("<polyline"), 2u);
+  // The PDF keeps its words as text: the panels, the bands and the count of readings.
+  const std::string text = pdfText(root_ / "chart.pdf");
   for (const auto& label : {"Systolic (mmHg)", "Diastolic (mmHg)", "Very high", "Elevated", "20 readings"})
     EXPECT_THAT(text, HasSubstr(label));
+
+  const auto refused = run({"chart", "--out", (root_ / "chart.jpg").string()});
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_THAT(refused.err, HasSubstr("end it in .svg, .png or .pdf"));
+  EXPECT_FALSE(std::filesystem::exists(root_ / "chart.jpg"));
 }
 
 }  // namespace

@@ -40,6 +40,7 @@ int parseAndRun(int argc, char** argv) {
   addTagsCommand(app, global);
   addSampleCommand(app, global);
   addChartCommand(app, global);
+  addReportCommand(app, global);
 
   try {
     app.parse(argc, argv);

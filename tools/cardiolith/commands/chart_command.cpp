@@ -5,17 +5,18 @@
 #include <cardiolith/platform/date_formatter.hpp>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
 #include <iostream>
-#include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "commands/commands.hpp"
 #include "log/data_folder.hpp"
 #include "log/output_file.hpp"
+#include "render/cairo_output.hpp"
 #include "render/category_text.hpp"
-#include "render/svg_chart.hpp"
+#include "render/chart.hpp"
+#include "render/time_ticks.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -25,53 +26,6 @@ struct ChartOptions {
   std::int64_t days = 30;
   std::string out;
 };
-
-std::tm localParts(Date date) {
-  const auto seconds = static_cast<std::time_t>(std::floor(date.timeIntervalSince1970()));
-  std::tm parts{};
-  localtime_r(&seconds, &parts);
-  return parts;
-}
-
-// The local midnight of the given day; mktime carries day and month overflow into the next month or year.
-Date localMidnight(std::tm parts) {
-  parts.tm_hour = parts.tm_min = parts.tm_sec = 0;
-  parts.tm_isdst = -1;
-  return Date::fromTimeIntervalSince1970(static_cast<double>(std::mktime(&parts)));
-}
-
-// The smallest of the steps (days, or months for long periods) that puts at most ten marks under the chart.
-template <std::size_t size>
-int spacingFor(double count, const int (&steps)[size]) {
-  for (const int step : steps) {
-    if (count / step <= 10) return step;
-  }
-  return steps[size - 1];
-}
-
-// Marks at local midnights: every day or few days for short periods, on the first of every month or few
-// months for long ones.
-std::vector<TimeTick> timeTicks(Date start, Date end, std::int64_t days) {
-  static constexpr int daySteps[] = {1, 2, 3, 7, 14};
-  static constexpr int monthSteps[] = {1, 2, 3, 6, 12, 24, 60, 120, 240, 600, 1200};
-  const bool monthly = days > 140;
-  const int step = monthly ? spacingFor(static_cast<double>(days) / 30.4, monthSteps)
-                           : spacingFor(static_cast<double>(days), daySteps);
-  const DateFormatter label(monthly ? "MMM yyyy" : "d MMM");
-  std::tm first = localParts(start);
-  if (monthly) first.tm_mday = 1;
-  std::vector<TimeTick> ticks;
-  Date previous{-std::numeric_limits<double>::infinity()};
-  for (int index = 0;; ++index) {
-    std::tm parts = first;
-    (monthly ? parts.tm_mon : parts.tm_mday) += index * step;
-    const Date tick = localMidnight(parts);
-    if (tick > end || !(tick > previous)) break;  // past the end, or beyond what mktime can represent
-    if (tick >= start) ticks.push_back({tick, label.string(tick)});
-    previous = tick;
-  }
-  return ticks;
-}
 
 std::string subtitle(const ReadingList& readings, Date start, Date end) {
   const DateFormatter day("d MMM yyyy");
@@ -91,7 +45,20 @@ std::string subtitle(const ReadingList& readings, Date start, Date end) {
   return text;
 }
 
+// The mean of one pressure over the readings, for the dashed line of its panel.
+double mean(const ReadingList& readings, std::int64_t (Reading::*field)() const) {
+  double sum = 0;
+  for (const auto& reading : readings) sum += static_cast<double>(((*reading).*field)());
+  return sum / static_cast<double>(readings.size());
+}
+
 void runChart(const ChartOptions& options, const GlobalOptions& global) {
+  const bool toStandardOutput = options.out == "-";
+  const auto format = toStandardOutput ? std::optional{ImageFormat::svg} : imageFormatOf(options.out);
+  if (!format) {
+    throw ToolError("cannot tell which picture to draw from the name " + options.out +
+                    ": end it in .svg, .png or .pdf, or give --out - for SVG on standard output");
+  }
   const DataFolder folder(global);
   ReadingsLog log(folder, ReadingsLog::Access::read);
   const Date end = Date::now();
@@ -111,8 +78,16 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   request.ticks = timeTicks(start, end, options.days);
   for (const auto& reading : selection)
     request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
+  request.systolicAverage = mean(selection, &Reading::systolic);
+  request.diastolicAverage = mean(selection, &Reading::diastolic);
 
-  writeOutputFile(options.out, renderChart(request), {log.file(), folder.tagsFile(), folder.lockFile()});
+  const std::string bytes = renderImage(*format, request.width, chartHeight(request),
+                                        [&](cairo_t* cairo) { drawChart(cairo, request); });
+  if (toStandardOutput) {
+    std::cout << bytes << std::flush;
+    return;
+  }
+  writeOutputFile(options.out, bytes, {log.file(), folder.tagsFile(), folder.lockFile()});
   std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
 }
 
@@ -120,10 +95,14 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
 
 void addChartCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ChartOptions>();
-  auto* command =
-      app.add_subcommand("chart", "Draw systolic and diastolic pressure over time as an SVG picture");
+  auto* command = app.add_subcommand(
+      "chart", "Draw systolic and diastolic pressure over time as an SVG, PNG or PDF picture");
   command->add_option("--days", options->days, "The last N days (default 30)")->check(CLI::Range(1, 100000));
-  command->add_option("--out,-o", options->out, "The SVG file to write, e.g. pressure.svg")->required();
+  command
+      ->add_option("--out,-o", options->out,
+                   "The picture to write, its kind by its name: pressure.svg, pressure.png or pressure.pdf; "
+                   "- writes SVG to standard output")
+      ->required();
   command->callback([options, &global] { runChart(*options, global); });
 }
 

@@ -104,6 +104,12 @@ JsonWriter& JsonWriter::number(float number) {
   return *this;
 }
 
+JsonWriter& JsonWriter::boolean(bool value) {
+  beforeValue();
+  out_ << (value ? "true" : "false");
+  return *this;
+}
+
 JsonWriter& JsonWriter::null() {
   beforeValue();
   out_ << "null";

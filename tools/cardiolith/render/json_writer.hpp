@@ -26,6 +26,7 @@ class JsonWriter {
   JsonWriter& integer(std::int64_t number);
   // The shortest decimal that reads back as the same float.
   JsonWriter& number(float number);
+  JsonWriter& boolean(bool value);
   JsonWriter& null();
 
   JsonWriter& stringOrNull(const std::optional<std::string>& text) { return text ? string(*text) : null(); }

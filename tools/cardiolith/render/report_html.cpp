@@ -1,0 +1,126 @@
+#include <regex>
+#include <sstream>
+
+#include "render/cairo_output.hpp"
+#include "render/category_text.hpp"
+#include "render/home_report.hpp"
+
+namespace cardiolith::tool {
+namespace {
+
+std::string escaped(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        result += "&amp;";
+        break;
+      case '<':
+        result += "&lt;";
+        break;
+      case '>':
+        result += "&gt;";
+        break;
+      case '"':
+        result += "&quot;";
+        break;
+      default:
+        result += c;
+    }
+  }
+  return result;
+}
+
+// The chart as an SVG element to place in the page: without the XML declaration, and without the namespace
+// declarations, which an HTML parser supplies itself, so that the page names no outside address at all.
+std::string inlineChart(const HomeReportDocument& report) {
+  const auto chart = reportChart(report, reportChartWidth);
+  std::string svg = renderImage(ImageFormat::svg, chart.width, chartHeight(chart),
+                                [&](cairo_t* cairo) { drawChart(cairo, chart); });
+  svg.erase(0, svg.find("<svg"));
+  static const std::regex namespaces(R"( xmlns(:xlink)?="[^"]*")");
+  const auto tagEnd = svg.find('>');
+  return std::regex_replace(svg.substr(0, tagEnd), namespaces, "") + svg.substr(tagEnd);
+}
+
+constexpr std::string_view style = R"(
+@page { size: A4; margin: 12mm 14mm; }
+* { box-sizing: border-box; }
+body { font-family: "DejaVu Sans", sans-serif; font-size: 9.5pt; color: #111827; margin: 0 auto;
+       max-width: 182mm; padding: 8mm 0; }
+h1 { font-size: 16pt; margin: 0; }
+h2 { font-size: 11pt; margin: 10pt 0 4pt; }
+.period { color: #4b5563; margin: 2pt 0 8pt; }
+.headline { font-size: 13pt; margin: 4pt 0; }
+.reached { color: #991b1b; font-weight: bold; }
+.warning { border-left: 3pt solid #b45309; background: #fffbeb; padding: 4pt 8pt; margin: 6pt 0; }
+table { border-collapse: collapse; width: 100%; }
+th, td { text-align: left; padding: 2pt 6pt; border-bottom: 0.5pt solid #d1d5db; vertical-align: top; }
+th { border-bottom: 1pt solid #6b7280; }
+.n { text-align: right; font-variant-numeric: tabular-nums; }
+tr.left-out td { color: #6b7280; font-style: italic; }
+figure { margin: 8pt 0; break-inside: avoid; }
+svg { width: 100%; height: auto; display: block; }
+.days { break-before: auto; }
+.days tr { break-inside: avoid; }
+.notes { font-size: 8.5pt; color: #374151; padding-left: 14pt; }
+)";
+
+void figuresTable(std::ostream& out, const HomeMonitoringReport& analysis) {
+  out << "<table class=\"figures\"><tr><th></th><th class=\"n\">Systolic</th><th class=\"n\">Diastolic</th>"
+         "<th class=\"n\">Pulse</th></tr>\n";
+  for (const auto& row : figureRows(analysis)) {
+    out << "<tr><td>" << escaped(row.name) << "</td><td class=\"n\">" << escaped(row.systolic)
+        << "</td><td class=\"n\">" << escaped(row.diastolic) << "</td><td class=\"n\">" << escaped(row.pulse)
+        << "</td></tr>\n";
+  }
+  out << "</table>\n";
+}
+
+void daysTable(std::ostream& out, const HomeMonitoringReport& analysis) {
+  out << "<h2>Day by day (mmHg)</h2>\n<table class=\"days\"><tr><th>Day</th><th>Morning</th><th>Evening</th>"
+         "<th>Other times</th></tr>\n";
+  for (const auto& row : dayRows(analysis)) {
+    out << (row.leftOut ? "<tr class=\"left-out\">" : "<tr>") << "<td>" << escaped(row.day)
+        << (row.leftOut ? " (left out)" : "") << "</td><td>" << escaped(row.morning) << "</td><td>"
+        << escaped(row.evening) << "</td><td>" << escaped(row.other) << "</td></tr>\n";
+  }
+  out << "</table>\n";
+}
+
+}  // namespace
+
+std::string reportHtml(const HomeReportDocument& report) {
+  const auto& analysis = report.analysis;
+  std::ostringstream out;
+  const std::string title = "Home blood pressure, " + periodText(report);
+  out << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>" << escaped(title)
+      << "</title>\n<style>" << style << "</style>\n</head>\n<body>\n";
+  out << "<h1>Home blood pressure</h1>\n<p class=\"period\">" << escaped(periodText(report));
+  if (report.name) out << " \u00b7 " << escaped(*report.name);
+  out << "</p>\n";
+  if (analysis.roundedMean) {
+    out << "<p class=\"headline\">Home average <strong>" << pairText(*analysis.roundedMean)
+        << " mmHg</strong> (" << escaped(categoryName(*analysis.category)) << ") \u00b7 threshold "
+        << pairText(analysis.options.threshold) << " mmHg "
+        << (*analysis.atOrAboveThreshold ? "<span class=\"reached\">reached</span>" : "not reached")
+        << "</p>\n";
+  } else {
+    out << "<p class=\"headline\">No home average: no morning or evening readings on the days that "
+           "count.</p>\n";
+  }
+  out << "<p>" << analysis.countedDays << " days and " << (analysis.all ? analysis.all->readings : 0)
+      << " readings counted; " << analysis.completeDays << " days with morning and evening readings.</p>\n";
+  const auto notes = reportNotes(report);
+  auto note = notes.begin();
+  if (!analysis.protocolMet()) out << "<p class=\"warning\">" << escaped(*note++) << "</p>\n";
+  if (analysis.all) figuresTable(out, analysis);
+  if (!analysis.days.empty()) out << "<figure>" << inlineChart(report) << "</figure>\n";
+  daysTable(out, analysis);
+  out << "<h2>Notes</h2>\n<ul class=\"notes\">\n";
+  for (; note != notes.end(); ++note) out << "<li>" << escaped(*note) << "</li>\n";
+  out << "</ul>\n</body>\n</html>\n";
+  return out.str();
+}
+
+}  // namespace cardiolith::tool

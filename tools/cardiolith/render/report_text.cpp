@@ -1,0 +1,85 @@
+#include <sstream>
+
+#include "render/category_text.hpp"
+#include "render/home_report.hpp"
+#include "render/text_table.hpp"
+
+namespace cardiolith::tool {
+namespace {
+
+constexpr std::size_t lineWidth = 80;
+
+// Words filled into lines of at most 80 columns, the lines after the first indented.
+void printWrapped(std::ostream& out, const std::string& text, std::size_t indent) {
+  std::istringstream words(text);
+  std::string word, line;
+  while (words >> word) {
+    if (!line.empty() && displayWidth(line) + 1 + displayWidth(word) > lineWidth) {
+      out << line << '\n';
+      line = std::string(indent, ' ');
+    } else if (!line.empty() && line.find_first_not_of(' ') != std::string::npos) {
+      line += ' ';
+    }
+    line += word;
+  }
+  if (!line.empty()) out << line << '\n';
+}
+
+}  // namespace
+
+void printReportText(std::ostream& out, const HomeReportDocument& report) {
+  const auto& analysis = report.analysis;
+  out << "Home blood pressure, " << periodText(report);
+  if (report.name) out << ", " << *report.name;
+  out << "\n\n";
+  if (analysis.days.empty()) {
+    out << "No readings in this period. Choose another with --from and --to, or --last.\n";
+    return;
+  }
+  const auto& threshold = analysis.options.threshold;
+  if (analysis.roundedMean) {
+    out << "Home average:  " << pairText(*analysis.roundedMean) << " mmHg ("
+        << categoryName(*analysis.category) << ")\n";
+    out << "Threshold:     " << pairText(threshold) << " mmHg, "
+        << (*analysis.atOrAboveThreshold ? "reached" : "not reached") << '\n';
+    out << "Morning:       " << meansText(analysis.morning) << " mmHg\n";
+    out << "Evening:       " << meansText(analysis.evening) << " mmHg\n";
+  } else {
+    out << "Home average:  none (no morning or evening readings on the days that count)\n";
+  }
+  out << "Counted:       " << analysis.countedDays << (analysis.countedDays == 1 ? " day, " : " days, ")
+      << (analysis.all ? analysis.all->readings : 0) << " readings; " << analysis.completeDays
+      << " with morning and evening\n\n";
+  const auto notes = reportNotes(report);
+  auto note = notes.begin();
+  // The protocol's warning, when there is one, is the first note: it belongs next to the figures it doubts.
+  if (!analysis.protocolMet()) {
+    printWrapped(out, *note++, 0);
+    out << '\n';
+  }
+
+  if (analysis.all) {
+    using Align = TextTable::Align;
+    TextTable figures(
+        {{""}, {"Systolic", Align::right}, {"Diastolic", Align::right}, {"Pulse", Align::right}});
+    for (auto& row : figureRows(analysis))
+      figures.addRow(
+          {std::move(row.name), std::move(row.systolic), std::move(row.diastolic), std::move(row.pulse)});
+    figures.print(out);
+    out << '\n';
+  }
+
+  for (const auto& row : dayRows(analysis)) {
+    std::string line = row.day + ":";
+    if (!row.morning.empty()) line += " morning " + row.morning + ";";
+    if (!row.evening.empty()) line += " evening " + row.evening + ";";
+    if (!row.other.empty()) line += " other " + row.other + ";";
+    line.pop_back();
+    if (row.leftOut) line += " (first day, left out)";
+    printWrapped(out, line, 4);
+  }
+  out << '\n';
+  for (; note != notes.end(); ++note) printWrapped(out, *note, 0);
+}
+
+}  // namespace cardiolith::tool

@@ -1,9 +1,11 @@
-// The period summary, the date filter under it, and the classification, with the allocations they make.
+// The period summary, the home-monitoring report, the date filter under them, and the classification, with
+// the allocations they make.
 
 #include <benchmark/benchmark.h>
 
 #include "benchmark_support.hpp"
 #include "cardiolith/analysis/blood_pressure_analysis.hpp"
+#include "cardiolith/analysis/home_monitoring.hpp"
 #include "cardiolith/analysis/readings_summary.hpp"
 #include "cardiolith/model/collection.hpp"
 #include "cardiolith/platform/calendar.hpp"
@@ -41,7 +43,8 @@ void summarise(benchmark::State& state, Period period) {
   for (auto _ : state) {
     benchmark::DoNotOptimize(ReadingsSummarizer::summarise(readings, period.start, period.end));
   }
-  const double perCall = static_cast<double>(allocations.sinceStart()) / static_cast<double>(state.iterations());
+  const double perCall =
+      static_cast<double>(allocations.sinceStart()) / static_cast<double>(state.iterations());
   state.counters["allocs_per_call"] = perCall;
   reportThroughput(state, size);
 }
@@ -53,6 +56,21 @@ void SummariseAll(benchmark::State& state) {
   summarise(state, wholeLog(libraryReadings(documentSize(state)).readings));
 }
 BENCHMARK(SummariseAll)->Apply(atEveryDocumentSize);
+
+// The home-monitoring analysis of the same week as SummariseWeek, side by side with it in one run: it walks
+// the log once, as the summary does, and then places the week's few readings in the local calendar.
+void HomeReportWeek(benchmark::State& state) {
+  const std::size_t size = documentSize(state);
+  const ReadingList& readings = libraryReadings(size).readings;
+  const Period week = lastWeek();
+  const AllocationTally allocations;
+  for (auto _ : state)
+    benchmark::DoNotOptimize(HomeMonitoringAnalyzer::analyse(readings, week.start, week.end));
+  state.counters["allocs_per_call"] =
+      static_cast<double>(allocations.sinceStart()) / static_cast<double>(state.iterations());
+  reportThroughput(state, size);
+}
+BENCHMARK(HomeReportWeek)->Apply(atEveryDocumentSize);
 
 // The filter keeping every reading: the whole list copied, one shared reference at a time.
 void FilteredAll(benchmark::State& state) {

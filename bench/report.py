@@ -24,6 +24,7 @@ NAMES = {
     "WalkReadings": "one pass over every reading (floor)",
     "SummariseWeek": "`summarise`, last 7 days",
     "SummariseAll": "`summarise`, whole log",
+    "HomeReportWeek": "`HomeMonitoringAnalyzer::analyse`, last 7 days",
     "FilteredAll": "`filtered`, whole log",
     "InLineFormat": "`inLineFormat`, every reading",
     "TagsInsert": "`TagsManager::insert`, list of 1,000",
@@ -31,7 +32,7 @@ NAMES = {
 }
 ORDER = list(NAMES)
 LIBRARY = ["LibraryDecode", "LibraryEncode", "StoreSave", "StoreLoad", "SummariseWeek", "SummariseAll",
-           "FilteredAll", "InLineFormat"]
+           "HomeReportWeek", "FilteredAll", "InLineFormat"]
 # How the floors themselves grow from 10,000 to 1,000,000 readings: what the machine's memory system
 # costs any code at that size, shown next to the library's growth.
 FLOORS = ["ReadFileBytes", "WriteFileBytes", "SimdjsonDecode", "BareEncode", "WalkReadings"]
@@ -171,6 +172,8 @@ def ratio_rows(runs, memory, memory_reference):
         rows.append([f"`ReadingsStore::save` time vs `std::to_chars` writer + file write (floors)", count(size), "", "",
                      "", ratio_text(quotient(time("StoreSave", size),
                                              total(time("BareEncode", size), time("WriteFileBytes", size)))), "", ""])
+        rows.append(ratio_row("home-monitoring report of the last week vs `summarise` of the same week", size,
+                              quotient(time("HomeReportWeek", size), time("SummariseWeek", size)), 1.2, True))
     rows.extend(growth_rows(runs))
     if memory:
         peak = memory["peak_rss_kb"] * 1024

@@ -61,8 +61,10 @@ th { border-bottom: 1pt solid #6b7280; }
 tr.left-out td { color: #6b7280; font-style: italic; }
 figure { margin: 8pt 0; break-inside: avoid; }
 svg { width: 100%; height: auto; display: block; }
-.days { break-before: auto; }
-.days tr { break-inside: avoid; }
+/* A week's table is short: it moves to the next page whole rather than leave its heading behind. */
+section.days { break-inside: avoid; }
+h2 { break-after: avoid; }
+tr { break-inside: avoid; }
 .notes { font-size: 8.5pt; color: #374151; padding-left: 14pt; }
 )";
 
@@ -78,14 +80,14 @@ void figuresTable(std::ostream& out, const HomeMonitoringReport& analysis) {
 }
 
 void daysTable(std::ostream& out, const HomeMonitoringReport& analysis) {
-  out << "<h2>Day by day (mmHg)</h2>\n<table class=\"days\"><tr><th>Day</th><th>Morning</th><th>Evening</th>"
+  out << "<section class=\"days\">\n<h2>Day by day (mmHg)</h2>\n<table><tr><th>Day</th><th>Morning</th><th>Evening</th>"
          "<th>Other times</th></tr>\n";
   for (const auto& row : dayRows(analysis)) {
     out << (row.leftOut ? "<tr class=\"left-out\">" : "<tr>") << "<td>" << escaped(row.day)
         << (row.leftOut ? " (left out)" : "") << "</td><td>" << escaped(row.morning) << "</td><td>"
         << escaped(row.evening) << "</td><td>" << escaped(row.other) << "</td></tr>\n";
   }
-  out << "</table>\n";
+  out << "</table>\n</section>\n";
 }
 
 }  // namespace

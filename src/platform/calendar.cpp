@@ -24,7 +24,11 @@ namespace {
 
 std::shared_ptr<const Calendar::Impl> makeImpl(std::unique_ptr<icu::TimeZone> zone) {
   UErrorCode status = U_ZERO_ERROR;
-  std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(zone.release(), icu::Locale::getDefault(), status));
+  // Gregorian whatever the locale's own calendar (Buddhist in Thailand, say): day arithmetic is the same in
+  // every one of them, and local days are then named by the years and months people and ISO dates use.
+  icu::Locale locale = icu::Locale::getDefault();
+  locale.setKeywordValue("calendar", "gregorian", status);
+  std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(zone.release(), locale, status));
   if (U_FAILURE(status) || !calendar) return nullptr;
   // Strict: an instant outside the calendar's range is an error, not silently pinned to the range's end.
   calendar->setLenient(false);
@@ -70,7 +74,8 @@ std::optional<Date> Calendar::dateByAddingDays(std::int64_t days, Date date) con
 std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   if (!impl_) return std::nullopt;
   const UDate start = toMillis(from);
-  const UDate end = start + (to.timeIntervalSinceReferenceDate() - from.timeIntervalSinceReferenceDate()) * 1000.0;
+  const UDate end =
+      start + (to.timeIntervalSinceReferenceDate() - from.timeIntervalSinceReferenceDate()) * 1000.0;
   if (!std::isfinite(start) || !std::isfinite(end)) return std::nullopt;
   std::lock_guard lock(impl_->mutex);
   auto& calendar = *impl_->calendar;

@@ -1,6 +1,7 @@
 #include "cardiolith/platform/calendar.hpp"
 
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
 #include <unicode/timezone.h>
 
 #include <limits>
@@ -36,6 +37,21 @@ TEST(CalendarTest, DayArithmeticFollowsTheLocalCalendarAcrossTheSpringForward) {
   // Six days and 23 hours, seven days across the New York change, are six where no day is short.
   testing::ScopedTimeZone zone("UTC");
   EXPECT_EQ(Calendar::current().wholeDays(start, start.addingTimeInterval(7 * day - hour)), 6);
+}
+
+TEST(CalendarTest, LocalTimesAreGregorianDaysAndClockTimesOfTheZone) {
+  // 2025-03-08 12:00 in New York; in Thailand's locale (Buddhist calendar, year 2568) still year 2025.
+  testing::ScopedTimeZone zone("America/New_York");
+  const icu::Locale previous = icu::Locale::getDefault();
+  UErrorCode status = U_ZERO_ERROR;
+  icu::Locale::setDefault(icu::Locale("th_TH"), status);
+  const auto local = Calendar::current().localTime(saturdayNoon.addingTimeInterval(59));
+  icu::Locale::setDefault(previous, status);
+  ASSERT_TRUE(local.has_value());
+  EXPECT_EQ(local->day, (CalendarDay{2025, 3, 8}));
+  EXPECT_EQ(local->hour, 12);
+  EXPECT_EQ(local->minute, 0);
+  EXPECT_FALSE(Calendar::current().localTime(Date(std::numeric_limits<double>::infinity())).has_value());
 }
 
 TEST(CalendarTest, CountsBeyondTheCalendarsRangeGiveNothingAndLeaveDatesUnchanged) {

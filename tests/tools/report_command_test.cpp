@@ -72,7 +72,8 @@ TEST_F(ReportCommandTest, PdfKeepsTheFiguresAsTextAndHtmlNamesNothingOutside) {
   succeed(week({"--format", "html", "-o", html.string()}));
   const std::string text = pdfText(pdf);
   for (const auto& expected : {"Home average 133/83 mmHg (High)", "Threshold 135/85 mmHg not reached",
-                               "138.0", "128.0", "133.0", "Mon 2 Mar 2026 (left out)", "Systolic (mmHg)"})
+                               "138.0", "128.0", "133.0", "Mon 2 Mar 2026 (left out)", "Systolic (mmHg)",
+                               "Morning", "Evening", "Other times", "Threshold 135/85", "threshold 85"})
     EXPECT_THAT(text, HasSubstr(expected));
 
   const std::string page = readFile(html);

@@ -28,13 +28,18 @@ std::string_view describe(ondemand::json_type type) {
 
 }  // namespace
 
-static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING, "the in-place promise must cover simdjson's padding");
+static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING,
+              "the in-place promise must cover simdjson's padding");
 
 JsonReader::JsonReader(std::string_view text, std::size_t readablePadding)
-    : JsonReader(ownParser_, text, readablePadding) {}
+    : JsonReader(nullptr, text, readablePadding) {}
 
 JsonReader::JsonReader(ondemand::parser& parser, std::string_view text, std::size_t readablePadding)
-    : text_(text), parser_(parser) {
+    : JsonReader(&parser, text, readablePadding) {}
+
+// ownParser_ is declared before parser_, so it is alive when parser_ is bound to it.
+JsonReader::JsonReader(ondemand::parser* parser, std::string_view text, std::size_t readablePadding)
+    : text_(text), parser_(parser ? *parser : ownParser_) {
   simdjson::padded_string_view input(text.data(), text.size(), text.size() + readablePadding);
   if (readablePadding < simdjson::SIMDJSON_PADDING) {
     buffer_ = simdjson::padded_string(text);
@@ -67,6 +72,20 @@ void JsonReader::finish() {
 }
 
 void JsonReader::failMissing(const JsonPath& path) { fail(path, "missing"); }
+
+double JsonReader::exactNumber(std::string_view token, const JsonPath& path) {
+  if (const auto exact = nearestDouble(token)) return *exact;
+  fail(path, abbreviatedToken(token) + " is out of the range of a double");
+}
+
+double JsonReader::numberBeyondParser(ondemand::value& value, const JsonPath& path,
+                                      simdjson::error_code error, std::string_view token) {
+  // The parser refuses exponents of 20 digits or more, which a double may still hold (1e000...01).
+  if (error == simdjson::NUMBER_ERROR && classifyNumberToken(token) != NumberToken::invalid) {
+    if (const auto exact = nearestDouble(token)) return *exact;
+  }
+  failValue(value, path, error, Expected::number);
+}
 
 bool JsonReader::hasEscapes(const ondemand::raw_json_string& key) noexcept {
   // The raw text runs to the closing quote, which no backslash precedes unless the key is escaped.
@@ -220,9 +239,7 @@ void JsonReader::failSyntax(simdjson::error_code error) {
   failAt(currentOffset(), simdjson::error_message(error));
 }
 
-void JsonReader::failAt(const char* where, std::string_view reason) const {
-  failAt(offsetOf(where), reason);
-}
+void JsonReader::failAt(const char* where, std::string_view reason) const { failAt(offsetOf(where), reason); }
 
 void JsonReader::failAt(std::size_t offset, std::string_view reason) const {
   throw DecodingError("invalid JSON at byte " + std::to_string(offset) + ": " + std::string(reason));

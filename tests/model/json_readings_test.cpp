@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 #include "cardiolith/model/json.hpp"
@@ -72,6 +73,37 @@ TEST(ReadingsJsonTest, ReadsTheFormsOtherWritersProduce) {
                            Reading::decoded("b", Date(6.5e8), 0, 0, 0, "the last one wins",
                                             std::set{kTagA, kTagB}, kHealthKitID)}};
   EXPECT_EQ(json::encode(readings), json::encode(expected));
+}
+
+// A date token of any length or exponent reads as the double a correctly rounding strtod gives.
+TEST(ReadingsJsonTest, ReadsEveryDateFormAsTheNearestDouble) {
+  const std::pair<std::string_view, double> cases[] = {
+      {"0.99999999999999999999", 1.0},
+      {"-0.99999999999999999999", -1.0},
+      {"0.000000000000000000000000000012345678901234567890123",
+       0.000000000000000000000000000012345678901234567890123},
+      {"786123456.12345678901234567890", 786123456.12345678901234567890},
+      {"123456789012345678901234567890e-10", 12345678901234567890.123456789},
+      {"1e00000000000000000001", 10.0},
+      {"9007199254740993", 9007199254740992.0},  // halfway: to even
+      {"4.9e-324", 4.9e-324},
+      {"1e-400", 0.0},
+      {"-1e-400", -0.0},
+      {"0.000000000000000000001e-310", 0.0},
+  };
+  for (const auto& [token, expected] : cases) {
+    const std::string text = R"({"readings":[{"id":"r","date":)" + std::string(token) +
+                             R"(,"systolic":120,"diastolic":80,"pulse":70}]})";
+    const double date = json::decode<Readings>(text).readings.at(0)->date().timeIntervalSinceReferenceDate();
+    EXPECT_EQ(date, expected) << token;
+    EXPECT_EQ(std::signbit(date), std::signbit(expected)) << token;
+  }
+  EXPECT_EQ(
+      testing::messageOf<DecodingError>([] {
+        json::decode<Readings>(
+            R"({"readings":[{"id":"r","date":0.99999999999999999999e309,"systolic":1,"diastolic":1,"pulse":1}]})");
+      }),
+      "readings[0].date: 0.99999999999999999999e309 is out of the range of a double");
 }
 
 // A document whose reading at `index` has the given text spliced in after its last member.

@@ -4,6 +4,7 @@
 
 #include "cardiolith/model/json.hpp"
 #include "model/json_tokens.hpp"
+#include "model/member_faults.hpp"
 
 namespace cardiolith::json_detail {
 namespace {
@@ -246,7 +247,7 @@ void JsonReader::failAt(std::size_t offset, std::string_view reason) const {
 }
 
 void JsonReader::fail(const JsonPath& path, const std::string& reason) {
-  throw DecodingError(path.toString() + ": " + reason);
+  throw ValueFault(path.toString() + ": " + reason);
 }
 
 std::size_t JsonReader::currentOffset() {

@@ -158,5 +158,36 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
     EXPECT_EQ(testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); }), message) << text;
 }
 
+// The fault named is the first in the order the members are checked (id, date, systolic, diastolic, pulse,
+// notes, tagIDs, healthKitID; inside healthKitID bloodPressureUUID, heartRateUUID), not in input order.
+TEST(ReadingsJsonTest, NamesTheFirstFaultInCheckingOrderWhateverTheMemberOrder) {
+  const std::string uuid = R"("0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F")";
+  const std::string valid = R"("id":"r","date":1,"systolic":120,"diastolic":80,"pulse":70)";
+  const std::pair<std::string, std::string> cases[] = {
+      {R"({"pulse":"x","systolic":120,"diastolic":80,"date":1})", "readings[0].id: missing"},
+      {R"({"healthKitID":3,"tagIDs":{},"notes":1,"pulse":1.5,"diastolic":"x","systolic":null,"date":"d","id":7})",
+       "readings[0].id: expected a string, found a number"},
+      {R"({"pulse":1.5,"diastolic":"x","id":"r"})", "readings[0].date: missing"},
+      {R"({"pulse":1.5,"diastolic":"x","id":"r","date":1,"systolic":1})",
+       "readings[0].diastolic: expected an integer, found a string"},
+      {R"({"healthKitID":3,"tagIDs":[1],"notes":2,)" + valid + "}",
+       "readings[0].notes: expected a string, found a number"},
+      {R"({"healthKitID":3,"tagIDs":[)" + uuid + R"(,1],)" + valid + "}",
+       "readings[0].tagIDs[1]: expected a UUID string, found a number"},
+      {R"({"healthKitID":{"heartRateUUID":"bad","x":1},)" + valid + "}",
+       "readings[0].healthKitID.bloodPressureUUID: missing"},
+      {R"({"healthKitID":{"heartRateUUID":"bad","bloodPressureUUID":1},)" + valid + "}",
+       "readings[0].healthKitID.bloodPressureUUID: expected a UUID string, found a number"},
+      // The first fault of a repeated member is kept; a later good value does not clear it.
+      {R"({"pulse":"x",)" + valid + "}", "readings[0].pulse: expected an integer, found a string"},
+      // Text that is not JSON is named as such, wherever it lies.
+      {R"({"pulse":"x","id":tru})", "invalid JSON at byte 31: malformed literal (true, false or null)"},
+  };
+  for (const auto& [reading, message] : cases) {
+    const std::string text = R"({"readings":[)" + reading + "]}";
+    EXPECT_EQ(testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); }), message) << reading;
+  }
+}
+
 }  // namespace
 }  // namespace cardiolith

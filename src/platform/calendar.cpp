@@ -24,7 +24,8 @@ namespace {
 
 std::shared_ptr<const Calendar::Impl> makeImpl(std::unique_ptr<icu::TimeZone> zone) {
   UErrorCode status = U_ZERO_ERROR;
-  std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(zone.release(), icu::Locale::getDefault(), status));
+  std::unique_ptr<icu::Calendar> calendar(
+      icu::Calendar::createInstance(zone.release(), icu::Locale::getDefault(), status));
   if (U_FAILURE(status) || !calendar) return nullptr;
   // Strict: an instant outside the calendar's range is an error, not silently pinned to the range's end.
   calendar->setLenient(false);
@@ -32,6 +33,25 @@ std::shared_ptr<const Calendar::Impl> makeImpl(std::unique_ptr<icu::TimeZone> zo
 }
 
 UDate toMillis(Date date) { return date.timeIntervalSince1970() * 1000.0; }
+
+// Calendar::dateByAddingDays on a calendar that the caller has locked.
+std::optional<Date> addingDays(icu::Calendar& calendar, std::int64_t days, Date date) {
+  const UDate start = toMillis(date);
+  if (!std::isfinite(start)) return std::nullopt;
+  UErrorCode status = U_ZERO_ERROR;
+  calendar.setTime(start, status);
+  // ICU adds 32-bit amounts; a larger count is added in steps rather than wrapped.
+  constexpr std::int64_t maxStep = std::numeric_limits<int32_t>::max();
+  for (std::int64_t remaining = days; remaining != 0 && U_SUCCESS(status);) {
+    const std::int64_t step = remaining > maxStep ? maxStep : (remaining < -maxStep ? -maxStep : remaining);
+    calendar.add(UCAL_DATE, static_cast<int32_t>(step), status);
+    remaining -= step;
+  }
+  const UDate end = calendar.getTime(status);
+  if (U_FAILURE(status)) return std::nullopt;
+  // Move by the calendar's whole-millisecond step so the fraction of the original instant is kept exactly.
+  return date.addingTimeInterval((end - start) / 1000.0);
+}
 
 }  // namespace
 
@@ -48,36 +68,32 @@ std::optional<Calendar> Calendar::inTimeZone(std::string_view timeZoneID) {
 
 std::optional<Date> Calendar::dateByAddingDays(std::int64_t days, Date date) const {
   if (!impl_) return std::nullopt;
-  const UDate start = toMillis(date);
-  if (!std::isfinite(start)) return std::nullopt;
   std::lock_guard lock(impl_->mutex);
-  auto& calendar = *impl_->calendar;
-  UErrorCode status = U_ZERO_ERROR;
-  calendar.setTime(start, status);
-  // ICU adds 32-bit amounts; a larger count is added in steps rather than wrapped.
-  constexpr std::int64_t maxStep = std::numeric_limits<int32_t>::max();
-  for (std::int64_t remaining = days; remaining != 0 && U_SUCCESS(status);) {
-    const std::int64_t step = remaining > maxStep ? maxStep : (remaining < -maxStep ? -maxStep : remaining);
-    calendar.add(UCAL_DATE, static_cast<int32_t>(step), status);
-    remaining -= step;
-  }
-  const UDate end = calendar.getTime(status);
-  if (U_FAILURE(status)) return std::nullopt;
-  // Move by the calendar's whole-millisecond step so the fraction of the original instant is kept exactly.
-  return date.addingTimeInterval((end - start) / 1000.0);
+  return addingDays(*impl_->calendar, days, date);
 }
 
 std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   if (!impl_) return std::nullopt;
   const UDate start = toMillis(from);
-  const UDate end = start + (to.timeIntervalSinceReferenceDate() - from.timeIntervalSinceReferenceDate()) * 1000.0;
+  const UDate end =
+      start + (to.timeIntervalSinceReferenceDate() - from.timeIntervalSinceReferenceDate()) * 1000.0;
   if (!std::isfinite(start) || !std::isfinite(end)) return std::nullopt;
   std::lock_guard lock(impl_->mutex);
   auto& calendar = *impl_->calendar;
   UErrorCode status = U_ZERO_ERROR;
   calendar.setTime(start, status);
-  const int32_t days = calendar.fieldDifference(end, UCAL_DATE, status);
+  std::int64_t days = calendar.fieldDifference(end, UCAL_DATE, status);
   if (U_FAILURE(status)) return std::nullopt;
+  // ICU counts on instants in milliseconds since 1970, a double that rounds away the last fraction of a
+  // microsecond, so an end that close to a day boundary may be counted on the wrong side of it. The exact
+  // instants, a day on either side of ICU's answer, decide.
+  const int direction = to >= from ? 1 : -1;
+  const auto isReached = [&](std::int64_t count) {
+    const auto stepped = addingDays(calendar, count, from);
+    return stepped && (direction > 0 ? !(to < *stepped) : !(*stepped < to));
+  };
+  if (!isReached(days)) return days - direction;
+  if (isReached(days + direction)) return days + direction;
   return days;
 }
 

@@ -27,6 +27,41 @@ std::string_view describe(ondemand::json_type type) {
   return "an unknown value";
 }
 
+// The parser's fault in our own words, so that messages stay the same whatever the parser's version says.
+std::string_view describe(simdjson::error_code error) {
+  switch (error) {
+    case simdjson::TAPE_ERROR:
+      return "broken structure: a comma, colon, brace, bracket or member name is missing or out of place";
+    case simdjson::STRING_ERROR:
+      return "invalid escape sequence in a string";
+    case simdjson::NUMBER_ERROR:
+    case simdjson::NUMBER_OUT_OF_RANGE:
+      return "malformed number";
+    case simdjson::UTF8_ERROR:
+      return "invalid UTF-8";
+    case simdjson::UNCLOSED_STRING:
+      return "string is never closed";
+    case simdjson::UNESCAPED_CHARS:
+      return "control character in a string (it must be escaped)";
+    case simdjson::T_ATOM_ERROR:
+    case simdjson::F_ATOM_ERROR:
+    case simdjson::N_ATOM_ERROR:
+      return "malformed literal (true, false or null)";
+    case simdjson::DEPTH_ERROR:
+      return "nested too deeply";
+    case simdjson::EMPTY:
+      return "no JSON value";
+    case simdjson::INCOMPLETE_ARRAY_OR_OBJECT:
+      return "unbalanced braces or brackets";
+    case simdjson::TRAILING_CONTENT:
+      return "unexpected content after the top-level value";
+    case simdjson::CAPACITY:
+      return "the document is larger than the parser can take";
+    default:
+      return "not readable as JSON";
+  }
+}
+
 }  // namespace
 
 static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING,
@@ -50,7 +85,7 @@ JsonReader::JsonReader(ondemand::parser* parser, std::string_view text, std::siz
   }
   if (const auto error = parser_.iterate(input).get(document_)) {
     if (const auto lexical = findLexicalError(text)) failAt(lexical->offset, lexical->reason);
-    throw DecodingError(std::string("cannot read JSON: ") + simdjson::error_message(error));
+    throw DecodingError("cannot read JSON: " + std::string(describe(error)));
   }
 }
 
@@ -99,7 +134,7 @@ bool JsonReader::hasEscapes(const ondemand::raw_json_string& key) noexcept {
 std::string_view JsonReader::unescapedKey(ondemand::field& field) {
   const char* const quote = field.key().raw() - 1;
   std::string_view key;
-  if (const auto error = field.unescaped_key().get(key)) failAt(quote, simdjson::error_message(error));
+  if (const auto error = field.unescaped_key().get(key)) failAt(quote, describe(error));
   return key;
 }
 
@@ -132,14 +167,13 @@ void JsonReader::skip(ondemand::value& value) {
     }
     case ondemand::json_type::string: {
       std::string_view text;
-      if (const auto error = value.get_string().get(text))
-        failAt(tokenStart(value), simdjson::error_message(error));
+      if (const auto error = value.get_string().get(text)) failAt(tokenStart(value), describe(error));
       return;
     }
     case ondemand::json_type::number:
       // Checked by its grammar alone: a number too large for any machine type is still JSON.
       if (classifyNumberToken(trimmedToken(value.raw_json_token())) == NumberToken::invalid) {
-        failAt(tokenStart(value), simdjson::error_message(simdjson::NUMBER_ERROR));
+        failAt(tokenStart(value), describe(simdjson::NUMBER_ERROR));
       }
       return;
     case ondemand::json_type::boolean: {
@@ -170,8 +204,7 @@ void JsonReader::failValue(ondemand::value& value, const JsonPath& path, simdjso
       (expected == Expected::integer || expected == Expected::number)) {
     const std::string_view token = trimmedToken(value.raw_json_token());
     const NumberToken kind = classifyNumberToken(token);
-    if (kind == NumberToken::invalid)
-      failAt(tokenStart(value), simdjson::error_message(simdjson::NUMBER_ERROR));
+    if (kind == NumberToken::invalid) failAt(tokenStart(value), describe(simdjson::NUMBER_ERROR));
     if (expected == Expected::integer && kind == NumberToken::fractional) {
       fail(path, abbreviatedToken(token) + " is not an integer");
     }
@@ -179,8 +212,7 @@ void JsonReader::failValue(ondemand::value& value, const JsonPath& path, simdjso
          abbreviatedToken(token) + (expected == Expected::integer ? " is out of the signed 64-bit range"
                                                                   : " is out of the range of a double"));
   }
-  if (error != simdjson::INCORRECT_TYPE)
-    failAt(tokenStart(value), simdjson::error_message(error));  // malformed
+  if (error != simdjson::INCORRECT_TYPE) failAt(tokenStart(value), describe(error));  // malformed
   skip(value);  // broken JSON in the value is reported as such, not as a type mismatch
   std::string_view wanted;
   switch (expected) {
@@ -236,9 +268,7 @@ void JsonReader::failLiteral(ondemand::value& value) {
   failAt(tokenStart(value), "malformed literal (true, false or null)");
 }
 
-void JsonReader::failSyntax(simdjson::error_code error) {
-  failAt(currentOffset(), simdjson::error_message(error));
-}
+void JsonReader::failSyntax(simdjson::error_code error) { failAt(currentOffset(), describe(error)); }
 
 void JsonReader::failAt(const char* where, std::string_view reason) const { failAt(offsetOf(where), reason); }
 

@@ -118,8 +118,7 @@ std::string withMember(std::string_view extra, int index = 0) {
 TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
   const std::string uuid = "0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F";
   const std::string structure =
-      ": The JSON document has an improper structure: missing or superfluous commas, braces, missing keys, "
-      "etc.";
+      ": broken structure: a comma, colon, brace, bracket or member name is missing or out of place";
   const std::pair<std::string, std::string> cases[] = {
       {R"({"readings":[{"id":"b","date":1,"systolic":1,"diastolic":1}]})", "readings[0].pulse: missing"},
       {withMember(R"(,"systolic":120.0)", 41), "readings[41].systolic: 120.0 is not an integer"},
@@ -146,8 +145,8 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
       {withMember(",\"notes\":\"line\nbreak\""),
        "invalid JSON at byte 86: control character in a string (it must be escaped)"},
       {R"({"readings":[], "x":"never closed})", "invalid JSON at byte 20: string is never closed"},
-      {withMember(R"(,"notes":"\ud800")"), "invalid JSON at byte 81: Problem while parsing a string"},
-      {withMember(R"(,"pulse":07)"), "invalid JSON at byte 81: Problem while parsing a number"},
+      {withMember(R"(,"notes":"\ud800")"), "invalid JSON at byte 81: invalid escape sequence in a string"},
+      {withMember(R"(,"pulse":07)"), "invalid JSON at byte 81: malformed number"},
       // Ignored members are checked too.
       {withMember(R"(,"extra":[tru])"), "invalid JSON at byte 82: malformed literal (true, false or null)"},
       {withMember(R"(,"extra":1:2)"), "invalid JSON at byte 82" + structure},

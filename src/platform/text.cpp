@@ -1,6 +1,7 @@
 #include "cardiolith/platform/text.hpp"
 
 #include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
@@ -44,16 +45,66 @@ std::string decomposed(std::string_view text) {
   return detail::fromICU(normalized);
 }
 
-std::string replacingLiterally(std::string_view text, std::string_view target, std::string_view replacement) {
+// Whether a character begins at `offset` that combines with nothing before it (or the text ends there).
+bool startsIndependentCharacter(std::string_view text, std::size_t offset) {
+  if (offset == text.size() || static_cast<unsigned char>(text[offset]) < 0x80) return true;
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  auto at = static_cast<int32_t>(offset);
+  UChar32 c;
+  U8_NEXT(bytes, at, static_cast<int32_t>(text.size()), c);
+  return c < 0 || nfd().hasBoundaryBefore(c);
+}
+
+// Every occurrence of the bytes of `target` that ends before an independent character (a match then starts
+// at one too, when the target is ASCII) replaced by `replacement`.
+std::string replacingBytes(std::string_view text, std::string_view target, std::string_view replacement,
+                           bool checkEnds) {
   std::string result;
   result.reserve(text.size());
-  std::size_t position = 0;
-  for (std::size_t match = text.find(target); match != std::string_view::npos;
-       match = text.find(target, position)) {
-    result.append(text.substr(position, match - position)).append(replacement);
-    position = match + target.size();
+  std::size_t copied = 0;
+  for (std::size_t match = text.find(target); match != std::string_view::npos;) {
+    if (checkEnds && !startsIndependentCharacter(text, match + target.size())) {
+      match = text.find(target, match + 1);
+      continue;
+    }
+    result.append(text.substr(copied, match - copied)).append(replacement);
+    copied = match + target.size();
+    match = text.find(target, copied);
   }
-  result.append(text.substr(position));
+  result.append(text.substr(copied));
+  return result;
+}
+
+// What an ASCII target needs to know of a text: whether it is valid UTF-8 and, if so, whether a character
+// of it decomposes to ASCII alone (GREEK QUESTION MARK to ";", KELVIN SIGN to "K"), for only such a
+// character can match an ASCII target without showing its bytes.
+enum class TextForASCII { bytesSuffice, hasASCIIDecompositions, invalidUTF8 };
+
+TextForASCII examineForASCII(std::string_view text) {
+  const icu::Normalizer2& normalizer = nfd();
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  const auto length = static_cast<int32_t>(text.size());
+  icu::UnicodeString decomposition;
+  auto result = TextForASCII::bytesSuffice;
+  for (int32_t offset = 0; offset < length;) {
+    if (bytes[offset] < 0x80) {
+      ++offset;
+      continue;
+    }
+    UChar32 c;
+    U8_NEXT(bytes, offset, length, c);
+    if (c < 0) return TextForASCII::invalidUTF8;
+    // A character that decomposes to ASCII alone is a singleton, which never occurs in NFC: the quick check
+    // (a table look-up) leaves out the precomposed letters that notes are full of.
+    if (result == TextForASCII::hasASCIIDecompositions ||
+        u_getIntPropertyValue(c, UCHAR_NFC_QUICK_CHECK) != UNORM_NO ||
+        !normalizer.getDecomposition(c, decomposition)) {
+      continue;
+    }
+    bool allASCII = true;
+    for (int32_t i = 0; i < decomposition.length(); ++i) allASCII = allASCII && decomposition[i] < 0x80;
+    if (allASCII) result = TextForASCII::hasASCIIDecompositions;
+  }
   return result;
 }
 
@@ -117,8 +168,20 @@ std::string replacingCanonically(std::string_view text, std::string_view target,
 std::string replacingOccurrences(std::string_view text, std::string_view target,
                                  std::string_view replacement) {
   if (target.empty()) return std::string(text);
-  if ((isASCII(text) && isASCII(target)) || !isValidUTF8(text) || !isValidUTF8(target)) {
-    return replacingLiterally(text, target, replacement);
+  if (isASCII(target)) {
+    if (isASCII(text)) return replacingBytes(text, target, replacement, false);
+    // An ASCII target matches its own bytes, each match ending before an independent character, unless the
+    // text holds a character that decomposes to ASCII.
+    switch (examineForASCII(text)) {
+      case TextForASCII::bytesSuffice:
+        return replacingBytes(text, target, replacement, true);
+      case TextForASCII::invalidUTF8:
+        return replacingBytes(text, target, replacement, false);
+      case TextForASCII::hasASCIIDecompositions:
+        break;
+    }
+  } else if (!isValidUTF8(text) || !isValidUTF8(target)) {
+    return replacingBytes(text, target, replacement, false);
   }
   return replacingCanonically(text, target, replacement);
 }

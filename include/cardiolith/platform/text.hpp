@@ -25,7 +25,7 @@ std::size_t canonicalHash(std::string_view text);
 // canonical equivalence: "é" as U+00E9 matches "e" followed by U+0301 and the reverse. A match begins and
 // ends between whole characters with their combining marks, so "e" does not match inside "e" + U+0301.
 // An empty target matches nothing. When either text is not valid UTF-8 the bytes are matched as they are.
-// ASCII text and target are matched byte for byte without consulting ICU.
+// An ASCII target is searched byte for byte, consulting ICU only about the non-ASCII characters of the text.
 std::string replacingOccurrences(std::string_view text, std::string_view target,
                                  std::string_view replacement);
 

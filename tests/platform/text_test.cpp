@@ -54,7 +54,7 @@ TEST(TextTest, ReplacesCanonicallyEquivalentOccurrences) {
       {"\u212A K", "K", "_ _"},
       {"\u00E9;e\u0301;\u0301", ";", "\u00E9_e\u0301;\u0301"},  // ";" + U+0301 is another character // GREEK
                                                                 // QUESTION MARK is a semicolon
-      {"\u00E9\u00E9\u00E9", "\u00E9\u00E9", "_\u00E9"},  // not overlapping
+      {"\u00E9\u00E9\u00E9", "\u00E9\u00E9", "_\u00E9"},        // not overlapping
       {"aaa", "aa", "_a"},
       {"ABC abc", "b", "ABC a_c"},   // case-sensitive
       {"x\u00E9y", "", "x\u00E9y"},  // an empty target matches nothing

@@ -1,10 +1,13 @@
 #pragma once
 
 // The properties of the JSON decoders, shared by the fuzz targets and the regression test that replays
-// their inputs: whatever decodes must be JSON by an independent parser, and must encode and decode again
-// to an equal value.
+// their inputs: whatever decodes must be JSON by an independent parser, must encode and decode again to an
+// equal value, and its dates must be the nearest doubles of their tokens.
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -12,6 +15,7 @@
 #include <type_traits>
 
 #include "cardiolith/model/json.hpp"
+#include "date_tokens.hpp"
 #include "json_syntax_oracle.hpp"
 #include "model/readings_decoding.hpp"
 
@@ -54,6 +58,30 @@ inline void checkWindows(std::string_view input) {
   }
 }
 
+// Every date the decoder accepted is the double that std::from_chars gives for its token; a token too
+// small for a double, which from_chars reports as out of range, must give strtod's signed zero.
+inline void checkDates(std::string_view input, const Readings& decoded) {
+  const auto tokens = dateTokens(input);
+  if (!tokens) return;
+  if (tokens->size() != decoded.readings.size()) throw PropertyFailure("the date scan found other readings");
+  for (std::size_t i = 0; i < tokens->size(); ++i) {
+    const auto& token = (*tokens)[i];
+    if (!token) throw PropertyFailure("decoded reading " + std::to_string(i) + " has no number as its date");
+    const std::string& text = token->text;
+    double expected = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), expected);
+    if (end != text.data() + text.size()) throw PropertyFailure("date token " + text + " is not a number");
+    if (error == std::errc::result_out_of_range) expected = std::strtod(text.c_str(), nullptr);
+    const double date = decoded.readings[i]->date().timeIntervalSinceReferenceDate();
+    const bool sameSign = !token->isRawText || std::signbit(date) == std::signbit(expected);
+    if (!(date == expected && sameSign)) {
+      char shown[32];
+      const auto written = std::to_chars(shown, shown + sizeof shown, date);
+      throw PropertyFailure("date token " + text + " decoded as " + std::string(shown, written.ptr));
+    }
+  }
+}
+
 // Decodes `input` as T. A DecodingError is a clean rejection; any other exception escapes. A decoded input
 // must be well-formed JSON, and its value must encode, decode again and compare equal, or PropertyFailure
 // is thrown.
@@ -67,6 +95,7 @@ Outcome checkDecoding(std::string_view input) {
     return Outcome::rejected;
   }
   if (!isJson(input)) throw PropertyFailure("decoded text that is not JSON");
+  if constexpr (std::is_same_v<T, Readings>) checkDates(input, *first);
   std::string encoded;
   try {
     encoded = json::encode(*first);

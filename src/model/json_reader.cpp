@@ -4,6 +4,7 @@
 
 #include "cardiolith/model/json.hpp"
 #include "model/json_tokens.hpp"
+#include "model/member_faults.hpp"
 
 namespace cardiolith::json_detail {
 namespace {
@@ -26,15 +27,55 @@ std::string_view describe(ondemand::json_type type) {
   return "an unknown value";
 }
 
+// The parser's fault in our own words, so that messages stay the same whatever the parser's version says.
+std::string_view describe(simdjson::error_code error) {
+  switch (error) {
+    case simdjson::TAPE_ERROR:
+      return "broken structure: a comma, colon, brace, bracket or member name is missing or out of place";
+    case simdjson::STRING_ERROR:
+      return "invalid escape sequence in a string";
+    case simdjson::NUMBER_ERROR:
+    case simdjson::NUMBER_OUT_OF_RANGE:
+      return "malformed number";
+    case simdjson::UTF8_ERROR:
+      return "invalid UTF-8";
+    case simdjson::UNCLOSED_STRING:
+      return "string is never closed";
+    case simdjson::UNESCAPED_CHARS:
+      return "control character in a string (it must be escaped)";
+    case simdjson::T_ATOM_ERROR:
+    case simdjson::F_ATOM_ERROR:
+    case simdjson::N_ATOM_ERROR:
+      return "malformed literal (true, false or null)";
+    case simdjson::DEPTH_ERROR:
+      return "nested too deeply";
+    case simdjson::EMPTY:
+      return "no JSON value";
+    case simdjson::INCOMPLETE_ARRAY_OR_OBJECT:
+      return "unbalanced braces or brackets";
+    case simdjson::TRAILING_CONTENT:
+      return "unexpected content after the top-level value";
+    case simdjson::CAPACITY:
+      return "the document is larger than the parser can take";
+    default:
+      return "not readable as JSON";
+  }
+}
+
 }  // namespace
 
-static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING, "the in-place promise must cover simdjson's padding");
+static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING,
+              "the in-place promise must cover simdjson's padding");
 
 JsonReader::JsonReader(std::string_view text, std::size_t readablePadding)
-    : JsonReader(ownParser_, text, readablePadding) {}
+    : JsonReader(nullptr, text, readablePadding) {}
 
 JsonReader::JsonReader(ondemand::parser& parser, std::string_view text, std::size_t readablePadding)
-    : text_(text), parser_(parser) {
+    : JsonReader(&parser, text, readablePadding) {}
+
+// ownParser_ is declared before parser_, so it is alive when parser_ is bound to it.
+JsonReader::JsonReader(ondemand::parser* parser, std::string_view text, std::size_t readablePadding)
+    : text_(text), parser_(parser ? *parser : ownParser_) {
   simdjson::padded_string_view input(text.data(), text.size(), text.size() + readablePadding);
   if (readablePadding < simdjson::SIMDJSON_PADDING) {
     buffer_ = simdjson::padded_string(text);
@@ -44,7 +85,7 @@ JsonReader::JsonReader(ondemand::parser& parser, std::string_view text, std::siz
   }
   if (const auto error = parser_.iterate(input).get(document_)) {
     if (const auto lexical = findLexicalError(text)) failAt(lexical->offset, lexical->reason);
-    throw DecodingError(std::string("cannot read JSON: ") + simdjson::error_message(error));
+    throw DecodingError("cannot read JSON: " + std::string(describe(error)));
   }
 }
 
@@ -68,6 +109,20 @@ void JsonReader::finish() {
 
 void JsonReader::failMissing(const JsonPath& path) { fail(path, "missing"); }
 
+double JsonReader::exactNumber(std::string_view token, const JsonPath& path) {
+  if (const auto exact = nearestDouble(token)) return *exact;
+  fail(path, abbreviatedToken(token) + " is out of the range of a double");
+}
+
+double JsonReader::numberBeyondParser(ondemand::value& value, const JsonPath& path,
+                                      simdjson::error_code error, std::string_view token) {
+  // The parser refuses exponents of 20 digits or more, which a double may still hold (1e000...01).
+  if (error == simdjson::NUMBER_ERROR && classifyNumberToken(token) != NumberToken::invalid) {
+    if (const auto exact = nearestDouble(token)) return *exact;
+  }
+  failValue(value, path, error, Expected::number);
+}
+
 bool JsonReader::hasEscapes(const ondemand::raw_json_string& key) noexcept {
   // The raw text runs to the closing quote, which no backslash precedes unless the key is escaped.
   for (const char* p = key.raw();; ++p) {
@@ -79,7 +134,7 @@ bool JsonReader::hasEscapes(const ondemand::raw_json_string& key) noexcept {
 std::string_view JsonReader::unescapedKey(ondemand::field& field) {
   const char* const quote = field.key().raw() - 1;
   std::string_view key;
-  if (const auto error = field.unescaped_key().get(key)) failAt(quote, simdjson::error_message(error));
+  if (const auto error = field.unescaped_key().get(key)) failAt(quote, describe(error));
   return key;
 }
 
@@ -112,14 +167,13 @@ void JsonReader::skip(ondemand::value& value) {
     }
     case ondemand::json_type::string: {
       std::string_view text;
-      if (const auto error = value.get_string().get(text))
-        failAt(tokenStart(value), simdjson::error_message(error));
+      if (const auto error = value.get_string().get(text)) failAt(tokenStart(value), describe(error));
       return;
     }
     case ondemand::json_type::number:
       // Checked by its grammar alone: a number too large for any machine type is still JSON.
       if (classifyNumberToken(trimmedToken(value.raw_json_token())) == NumberToken::invalid) {
-        failAt(tokenStart(value), simdjson::error_message(simdjson::NUMBER_ERROR));
+        failAt(tokenStart(value), describe(simdjson::NUMBER_ERROR));
       }
       return;
     case ondemand::json_type::boolean: {
@@ -150,8 +204,7 @@ void JsonReader::failValue(ondemand::value& value, const JsonPath& path, simdjso
       (expected == Expected::integer || expected == Expected::number)) {
     const std::string_view token = trimmedToken(value.raw_json_token());
     const NumberToken kind = classifyNumberToken(token);
-    if (kind == NumberToken::invalid)
-      failAt(tokenStart(value), simdjson::error_message(simdjson::NUMBER_ERROR));
+    if (kind == NumberToken::invalid) failAt(tokenStart(value), describe(simdjson::NUMBER_ERROR));
     if (expected == Expected::integer && kind == NumberToken::fractional) {
       fail(path, abbreviatedToken(token) + " is not an integer");
     }
@@ -159,8 +212,7 @@ void JsonReader::failValue(ondemand::value& value, const JsonPath& path, simdjso
          abbreviatedToken(token) + (expected == Expected::integer ? " is out of the signed 64-bit range"
                                                                   : " is out of the range of a double"));
   }
-  if (error != simdjson::INCORRECT_TYPE)
-    failAt(tokenStart(value), simdjson::error_message(error));  // malformed
+  if (error != simdjson::INCORRECT_TYPE) failAt(tokenStart(value), describe(error));  // malformed
   skip(value);  // broken JSON in the value is reported as such, not as a type mismatch
   std::string_view wanted;
   switch (expected) {
@@ -216,20 +268,16 @@ void JsonReader::failLiteral(ondemand::value& value) {
   failAt(tokenStart(value), "malformed literal (true, false or null)");
 }
 
-void JsonReader::failSyntax(simdjson::error_code error) {
-  failAt(currentOffset(), simdjson::error_message(error));
-}
+void JsonReader::failSyntax(simdjson::error_code error) { failAt(currentOffset(), describe(error)); }
 
-void JsonReader::failAt(const char* where, std::string_view reason) const {
-  failAt(offsetOf(where), reason);
-}
+void JsonReader::failAt(const char* where, std::string_view reason) const { failAt(offsetOf(where), reason); }
 
 void JsonReader::failAt(std::size_t offset, std::string_view reason) const {
   throw DecodingError("invalid JSON at byte " + std::to_string(offset) + ": " + std::string(reason));
 }
 
 void JsonReader::fail(const JsonPath& path, const std::string& reason) {
-  throw DecodingError(path.toString() + ": " + reason);
+  throw ValueFault(path.toString() + ": " + reason);
 }
 
 std::size_t JsonReader::currentOffset() {

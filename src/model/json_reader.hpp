@@ -11,8 +11,8 @@
 
 #include "cardiolith/platform/uuid.hpp"
 #include "model/json_path.hpp"
-#include "model/readings_decoding.hpp"
 #include "model/json_tokens.hpp"
+#include "model/readings_decoding.hpp"
 
 namespace cardiolith::json_detail {
 
@@ -52,11 +52,17 @@ class JsonReader {
     return result;
   }
 
-  // Any JSON number, as the nearest double.
+  // Any JSON number, as the nearest double (a number too small for a double reads as zero); a number
+  // beyond the largest double fails.
   double number(ondemand::value& value, const JsonPath& path) {
+    const std::string_view token = trimmedToken(value.raw_json_token());
     double result;
     if (const auto error = value.get_double().get(result)) [[unlikely]]
-      failValue(value, path, error, Expected::number);
+      return numberBeyondParser(value, path, error, token);
+    // The parser's own conversion loses digits past the 19th of the significand, so a longer token is
+    // converted again from its text. No token of 19 bytes or fewer holds that many digits.
+    if (token.size() > kExactTokenLength) [[unlikely]]
+      return exactNumber(token, path);
     return result;
   }
 
@@ -126,7 +132,18 @@ class JsonReader {
   [[noreturn]] static void failMissing(const JsonPath& path);
 
  private:
+  // Reads with the caller's parser, or with ownParser_ when `parser` is null.
+  JsonReader(ondemand::parser* parser, std::string_view text, std::size_t readablePadding);
+
   enum class Expected { string, integer, number, uuid, object, array };
+
+  static constexpr std::size_t kExactTokenLength = 19;
+  // A number token the parser accepted, converted from its text.
+  static double exactNumber(std::string_view token, const JsonPath& path);
+  // A number the parser refused: a JSON number that a double still holds (an exponent of 20 digits or
+  // more, say) reads as its nearest double; anything else fails with the reason.
+  double numberBeyondParser(ondemand::value& value, const JsonPath& path, simdjson::error_code error,
+                            std::string_view token);
 
   // The index of the key among `keys`, or N. Tries the key after the previous match first, so members in
   // the order they are written cost one comparison each.

@@ -1,5 +1,9 @@
 #include "model/json_tokens.hpp"
 
+#include <charconv>
+#include <cstdint>
+#include <system_error>
+
 #include "model/utf8.hpp"
 
 namespace cardiolith::json_detail {
@@ -15,7 +19,47 @@ bool skipDigits(std::string_view token, std::size_t& i) noexcept {
   return i > start;
 }
 
+// Whether a valid number token that no double holds is beyond the smallest one rather than the largest:
+// whether the power of ten of its first significant digit is negative. A token out of range is hundreds of
+// powers away from zero, so the count may be off by one; the exponent saturates far beyond that.
+bool isBelowDoubleRange(std::string_view token) noexcept {
+  std::size_t i = token.front() == '-' ? 1 : 0;
+  std::int64_t power = 0;
+  bool significant = false;
+  bool afterPoint = false;
+  for (; i < token.size() && token[i] != 'e' && token[i] != 'E'; ++i) {
+    if (token[i] == '.') {
+      afterPoint = true;
+    } else if (!significant && token[i] == '0') {
+      if (afterPoint) --power;
+    } else {
+      significant = true;
+      if (!afterPoint) ++power;
+    }
+  }
+  if (i < token.size()) {
+    const bool negative = token[++i] == '-';
+    if (token[i] == '-' || token[i] == '+') ++i;
+    constexpr std::int64_t kSaturated = std::int64_t{1} << 40;
+    std::int64_t exponent = 0;
+    for (; i < token.size() && exponent < kSaturated; ++i) exponent = exponent * 10 + (token[i] - '0');
+    power += negative ? -exponent : exponent;
+  }
+  return power < 0;
+}
+
 }  // namespace
+
+std::optional<double> nearestDouble(std::string_view token) noexcept {
+  const char* const end = token.data() + token.size();
+  double value = 0;
+  const auto [stop, error] = std::from_chars(token.data(), end, value);
+  if (stop != end) return std::nullopt;
+  if (error == std::errc()) return value;
+  if (error == std::errc::result_out_of_range && isBelowDoubleRange(token))
+    return token.front() == '-' ? -0.0 : 0.0;
+  return std::nullopt;
+}
 
 NumberToken classifyNumberToken(std::string_view token) noexcept {
   std::size_t i = 0;

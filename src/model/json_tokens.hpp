@@ -16,6 +16,10 @@ enum class NumberToken {
 };
 NumberToken classifyNumberToken(std::string_view token) noexcept;
 
+// The double nearest to a valid JSON number token, as a correctly rounding strtod gives it: a number too
+// small for a double is zero with the token's sign. Nothing when the number is beyond the largest double.
+std::optional<double> nearestDouble(std::string_view token) noexcept;
+
 // A token without the whitespace that follows it in the input.
 inline std::string_view trimmedToken(std::string_view token) noexcept {
   while (!token.empty() &&

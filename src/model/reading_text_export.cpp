@@ -6,30 +6,10 @@
 #include "cardiolith/model/reading.hpp"
 #include "cardiolith/platform/date_formatter.hpp"
 #include "cardiolith/platform/list_formatter.hpp"
+#include "cardiolith/platform/text.hpp"
 #include "cardiolith/storage/tags_manager.hpp"
 
 namespace cardiolith {
-namespace {
-
-// Every occurrence of `target` replaced by `replacement` in one left-to-right pass; matches don't
-// overlap and replaced text is not searched again. An empty target matches nothing, so the text comes
-// back unchanged.
-std::string replacingOccurrences(std::string_view text, std::string_view target,
-                                 std::string_view replacement) {
-  if (target.empty()) return std::string(text);
-  std::string result;
-  result.reserve(text.size());
-  std::size_t position = 0;
-  for (std::size_t match = text.find(target); match != std::string_view::npos;
-       match = text.find(target, position)) {
-    result.append(text.substr(position, match - position)).append(replacement);
-    position = match + target.size();
-  }
-  result.append(text.substr(position));
-  return result;
-}
-
-}  // namespace
 
 std::vector<std::string> Reading::inArrayFormat(const DateFormatter& dateFormatter,
                                                 const ListFormatter& listFormatter,
@@ -60,8 +40,9 @@ std::string Reading::inLineFormat(const DateFormatter& dateFormatter, const List
        inArrayFormat(dateFormatter, listFormatter, tagManager, includeTags, includeNotes)) {
     if (!first) line.append(separator);
     first = false;
-    // A separator inside a cell would split it; it becomes a space instead.
-    line.append(replacingOccurrences(cell, separator, " "));
+    // A separator inside a cell would split it; it becomes a space instead, also when it is written with
+    // other but canonically equivalent code points.
+    line.append(text::replacingOccurrences(cell, separator, " "));
   }
   return line;
 }

@@ -3,6 +3,7 @@
 #include "cardiolith/model/json.hpp"
 #include "model/json_reader.hpp"
 #include "model/json_writer.hpp"
+#include "model/member_faults.hpp"
 #include "model/reading_arena.hpp"
 #include "model/readings_array.hpp"
 
@@ -18,7 +19,8 @@ namespace ondemand = json_detail::ondemand;
 enum ReadingMember : std::size_t { kID, kDate, kSystolic, kDiastolic, kPulse, kNotes, kTagIDs, kHealthKitID };
 constexpr std::array<std::string_view, 8> kReadingMembers{"id",    "date",  "systolic", "diastolic",
                                                           "pulse", "notes", "tagIDs",   "healthKitID"};
-constexpr ReadingMember kRequiredReadingMembers[] = {kID, kDate, kSystolic, kDiastolic, kPulse};
+// The required members come first: id, date, systolic, diastolic, pulse.
+constexpr std::size_t kRequiredReadingMembers = kPulse + 1;
 
 enum HealthKitMember : std::size_t { kBloodPressureUUID, kHeartRateUUID };
 constexpr std::array<std::string_view, 2> kHealthKitMembers{"bloodPressureUUID", "heartRateUUID"};
@@ -83,12 +85,12 @@ void writeReading(JsonWriter& writer, const Reading& reading, const JsonPath& pa
 Reading::HealthKitID readHealthKitID(JsonReader& reader, ondemand::value& value, const JsonPath& path) {
   auto object = reader.object(value, path);
   std::optional<UUID> uuids[kHealthKitMembers.size()];
+  json_detail::MemberFaults<kHealthKitMembers.size()> faults;
   reader.forEachMember(object, kHealthKitMembers, [&](std::size_t member, ondemand::value& memberValue) {
-    uuids[member] = reader.uuid(memberValue, path.member(kHealthKitMembers[member]));
+    faults.read(member,
+                [&] { uuids[member] = reader.uuid(memberValue, path.member(kHealthKitMembers[member])); });
   });
-  for (std::size_t member = 0; member < kHealthKitMembers.size(); ++member) {
-    if (!uuids[member]) reader.failMissing(path.member(kHealthKitMembers[member]));
-  }
+  faults.throwFirst(path, kHealthKitMembers, kHealthKitMembers.size());
   return Reading::HealthKitID{*uuids[kBloodPressureUUID], *uuids[kHeartRateUUID]};
 }
 
@@ -112,44 +114,43 @@ std::shared_ptr<Reading> readReading(JsonReader& reader, ReadingArena& arena, on
   std::optional<std::string_view> notes;
   std::optional<std::set<UUID>> tagIDs;
   std::optional<Reading::HealthKitID> healthKitID;
-  unsigned found = 0;
+  json_detail::MemberFaults<kReadingMembers.size()> faults;
   reader.forEachMember(object, kReadingMembers, [&](std::size_t member, ondemand::value& memberValue) {
     const JsonPath memberPath = path.member(kReadingMembers[member]);
-    found |= 1u << member;
-    switch (member) {
-      case kID:
-        id = reader.string(memberValue, memberPath);
-        return;
-      case kDate:
-        date = reader.number(memberValue, memberPath);
-        return;
-      case kSystolic:
-        systolic = reader.integer(memberValue, memberPath);
-        return;
-      case kDiastolic:
-        diastolic = reader.integer(memberValue, memberPath);
-        return;
-      case kPulse:
-        pulse = reader.integer(memberValue, memberPath);
-        return;
-      // The optional members read null as absent.
-      case kNotes:
-        notes.reset();
-        if (!reader.isNull(memberValue)) notes = reader.string(memberValue, memberPath);
-        return;
-      case kTagIDs:
-        tagIDs.reset();
-        if (!reader.isNull(memberValue)) tagIDs = readTagIDs(reader, memberValue, memberPath);
-        return;
-      case kHealthKitID:
-        healthKitID.reset();
-        if (!reader.isNull(memberValue)) healthKitID = readHealthKitID(reader, memberValue, memberPath);
-        return;
-    }
+    faults.read(member, [&] {
+      switch (member) {
+        case kID:
+          id = reader.string(memberValue, memberPath);
+          return;
+        case kDate:
+          date = reader.number(memberValue, memberPath);
+          return;
+        case kSystolic:
+          systolic = reader.integer(memberValue, memberPath);
+          return;
+        case kDiastolic:
+          diastolic = reader.integer(memberValue, memberPath);
+          return;
+        case kPulse:
+          pulse = reader.integer(memberValue, memberPath);
+          return;
+        // The optional members read null as absent.
+        case kNotes:
+          notes.reset();
+          if (!reader.isNull(memberValue)) notes = reader.string(memberValue, memberPath);
+          return;
+        case kTagIDs:
+          tagIDs.reset();
+          if (!reader.isNull(memberValue)) tagIDs = readTagIDs(reader, memberValue, memberPath);
+          return;
+        case kHealthKitID:
+          healthKitID.reset();
+          if (!reader.isNull(memberValue)) healthKitID = readHealthKitID(reader, memberValue, memberPath);
+          return;
+      }
+    });
   });
-  for (const ReadingMember member : kRequiredReadingMembers) {
-    if ((found & (1u << member)) == 0) reader.failMissing(path.member(kReadingMembers[member]));
-  }
+  faults.throwFirst(path, kReadingMembers, kRequiredReadingMembers);
   return Reading::decoded(arena.allocator<Reading>(), std::string(id), Date(date), systolic, diastolic, pulse,
                           notes ? std::optional<std::string>(*notes) : std::nullopt, std::move(tagIDs),
                           healthKitID);

@@ -3,6 +3,7 @@
 #include "cardiolith/model/json.hpp"
 #include "model/json_reader.hpp"
 #include "model/json_writer.hpp"
+#include "model/member_faults.hpp"
 
 namespace cardiolith::json {
 namespace {
@@ -36,23 +37,24 @@ Tag readTag(JsonReader& reader, ondemand::object& object, const JsonPath& path) 
   std::optional<UUID> id;
   std::optional<std::string_view> title;
   std::optional<std::string_view> colorHex;
+  json_detail::MemberFaults<kTagMembers.size()> faults;
   reader.forEachMember(object, kTagMembers, [&](std::size_t member, ondemand::value& value) {
     const JsonPath memberPath = path.member(kTagMembers[member]);
-    switch (member) {
-      case kID:
-        id = reader.uuid(value, memberPath);
-        return;
-      case kTitle:
-        title = reader.string(value, memberPath);
-        return;
-      case kColorHex:
-        colorHex = reader.string(value, memberPath);
-        return;
-    }
+    faults.read(member, [&] {
+      switch (member) {
+        case kID:
+          id = reader.uuid(value, memberPath);
+          return;
+        case kTitle:
+          title = reader.string(value, memberPath);
+          return;
+        case kColorHex:
+          colorHex = reader.string(value, memberPath);
+          return;
+      }
+    });
   });
-  if (!id) reader.failMissing(path.member(kTagMembers[kID]));
-  if (!title) reader.failMissing(path.member(kTagMembers[kTitle]));
-  if (!colorHex) reader.failMissing(path.member(kTagMembers[kColorHex]));
+  faults.throwFirst(path, kTagMembers, kTagMembers.size());
   return Tag{*id, std::string(*title), std::string(*colorHex)};
 }
 

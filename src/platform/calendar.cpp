@@ -37,25 +37,10 @@ std::shared_ptr<const Calendar::Impl> makeImpl(std::unique_ptr<icu::TimeZone> zo
 
 UDate toMillis(Date date) { return date.timeIntervalSince1970() * 1000.0; }
 
-}  // namespace
-
-Calendar Calendar::current() { return Calendar(makeImpl(detail::currentDefaultTimeZone())); }
-
-std::optional<Calendar> Calendar::inTimeZone(std::string_view timeZoneID) {
-  std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(detail::toICU(timeZoneID)));
-  icu::UnicodeString resolved;
-  if (!zone || zone->getID(resolved) == icu::UnicodeString(UCAL_UNKNOWN_ZONE_ID)) return std::nullopt;
-  auto impl = makeImpl(std::move(zone));
-  if (!impl) return std::nullopt;
-  return Calendar(std::move(impl));
-}
-
-std::optional<Date> Calendar::dateByAddingDays(std::int64_t days, Date date) const {
-  if (!impl_) return std::nullopt;
+// Calendar::dateByAddingDays on a calendar that the caller has locked.
+std::optional<Date> addingDays(icu::Calendar& calendar, std::int64_t days, Date date) {
   const UDate start = toMillis(date);
   if (!std::isfinite(start)) return std::nullopt;
-  std::lock_guard lock(impl_->mutex);
-  auto& calendar = *impl_->calendar;
   UErrorCode status = U_ZERO_ERROR;
   calendar.setTime(start, status);
   // ICU adds 32-bit amounts; a larger count is added in steps rather than wrapped.
@@ -71,6 +56,25 @@ std::optional<Date> Calendar::dateByAddingDays(std::int64_t days, Date date) con
   return date.addingTimeInterval((end - start) / 1000.0);
 }
 
+}  // namespace
+
+Calendar Calendar::current() { return Calendar(makeImpl(detail::currentDefaultTimeZone())); }
+
+std::optional<Calendar> Calendar::inTimeZone(std::string_view timeZoneID) {
+  std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(detail::toICU(timeZoneID)));
+  icu::UnicodeString resolved;
+  if (!zone || zone->getID(resolved) == icu::UnicodeString(UCAL_UNKNOWN_ZONE_ID)) return std::nullopt;
+  auto impl = makeImpl(std::move(zone));
+  if (!impl) return std::nullopt;
+  return Calendar(std::move(impl));
+}
+
+std::optional<Date> Calendar::dateByAddingDays(std::int64_t days, Date date) const {
+  if (!impl_) return std::nullopt;
+  std::lock_guard lock(impl_->mutex);
+  return addingDays(*impl_->calendar, days, date);
+}
+
 std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   if (!impl_) return std::nullopt;
   const UDate start = toMillis(from);
@@ -81,8 +85,18 @@ std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   auto& calendar = *impl_->calendar;
   UErrorCode status = U_ZERO_ERROR;
   calendar.setTime(start, status);
-  const int32_t days = calendar.fieldDifference(end, UCAL_DATE, status);
+  std::int64_t days = calendar.fieldDifference(end, UCAL_DATE, status);
   if (U_FAILURE(status)) return std::nullopt;
+  // ICU counts on instants in milliseconds since 1970, a double that rounds away the last fraction of a
+  // microsecond, so an end that close to a day boundary may be counted on the wrong side of it. The exact
+  // instants, a day on either side of ICU's answer, decide.
+  const int direction = to >= from ? 1 : -1;
+  const auto isReached = [&](std::int64_t count) {
+    const auto stepped = addingDays(calendar, count, from);
+    return stepped && (direction > 0 ? !(to < *stepped) : !(*stepped < to));
+  };
+  if (!isReached(days)) return days - direction;
+  if (isReached(days + direction)) return days + direction;
   return days;
 }
 

@@ -1,6 +1,7 @@
 #include "cardiolith/sample/fake_readings_generator.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <set>
@@ -11,6 +12,7 @@
 #include "cardiolith/sample/lorem.hpp"
 #include "cardiolith/sample/ranges.hpp"
 #include "cardiolith/storage/tags_manager.hpp"
+#include "platform/memory.hpp"
 #include "platform/random.hpp"
 #include "sample/fake_readings.hpp"
 
@@ -62,10 +64,17 @@ ReadingList detail::generateFakeReadings(std::int64_t count, Date endDate,
   }
   const ValueRanges ranges = rangeVariance ? rangesBelowDefaults(*rangeVariance) : kPlausibleRanges;
 
+  // count + 1 readings, each at least its pointer in the list and the reading itself: refused before
+  // anything is built when they could not be held.
+  const std::uint64_t readingCount = static_cast<std::uint64_t>(count) + 1;
+  constexpr std::uint64_t kLeastBytesPerReading = sizeof(std::shared_ptr<Reading>) + sizeof(Reading);
   ReadingList readings;
-  // count + 1 readings. A count beyond what a vector can hold throws std::length_error here, so the loop
-  // below never runs with a count of INT64_MAX.
-  readings.reserve(static_cast<std::size_t>(count) + 1);
+  if (readingCount > readings.max_size() ||
+      readingCount > detail::memory::capacityBytes() / kLeastBytesPerReading) {
+    throw std::length_error("FakeReadingsGenerator::generateFakeReadings: a count of " +
+                            std::to_string(count) + " asks for more readings than memory can hold");
+  }
+  readings.reserve(static_cast<std::size_t>(readingCount));
   for (std::int64_t i = 0; i <= count; ++i) {
     std::set<UUID> tagIDs;
     if (i % 2 == 0) pickTag(currentTags(), tagIDs);

@@ -1,11 +1,13 @@
 #include "cardiolith/sample/lorem.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "platform/memory.hpp"
 #include "platform/random.hpp"
 #include "sample/lorem_words.hpp"
 
@@ -79,12 +81,16 @@ void requireNonNegativeLowerBound(const PieceKind& kind, Range range) {
 
 std::string make(const PieceKind& kind, std::int64_t count) {
   if (count < 0) reject(kind, "the count must be 0 or more, got " + std::to_string(count));
-  // Refuse before building anything a run that could not fit in a string even with the shortest pieces.
-  const std::size_t fitting =
-      (std::string().max_size() + kind.separator.size()) / (kind.shortestLength + kind.separator.size());
+  // Refuse before building anything a run that could not fit in one string even with the shortest pieces:
+  // not within the string's largest size, nor within the machine's memory, which is far smaller.
+  const std::uint64_t longestText =
+      std::min<std::uint64_t>(std::string().max_size(), detail::memory::capacityBytes());
+  const std::uint64_t fitting =
+      (longestText + kind.separator.size()) / (kind.shortestLength + kind.separator.size());
   if (static_cast<std::uint64_t>(count) > fitting) {
     throw std::length_error(std::string(kind.operation) + ": " + std::to_string(count) + " " +
-                            std::string(kind.plural) + " cannot fit in one string");
+                            std::string(kind.plural) + " cannot fit in one string (" +
+                            std::to_string(fitting) + " at most)");
   }
   std::string text;
   appendJoined(text, static_cast<std::uint64_t>(count), kind.separator, kind.append);

@@ -88,6 +88,18 @@ TEST_F(ReadingsSummarizerTest, PeriodsIncludeTheirBounds) {
   }
 }
 
+// An end a fraction of a microsecond short of seven whole days makes six, so the previous period starts six
+// days back; a reading seven days back is outside it.
+TEST_F(ReadingsSummarizerTest, CountsTheWholeDaysOfTheExactInstants) {
+  const Date fractionalStart(785000000.1234567);
+  const ReadingList readings{reading(fractionalStart.addingTimeInterval(-7 * kDay), 100, 70, 60)};
+  const Date end = fractionalStart.addingTimeInterval(7 * kDay - 1.2e-7);
+  EXPECT_FALSE(ReadingsSummarizer::summarise(readings, fractionalStart, end).previousPreviousAverage());
+  EXPECT_TRUE(
+      ReadingsSummarizer::summarise(readings, fractionalStart, fractionalStart.addingTimeInterval(7 * kDay))
+          .previousPreviousAverage());
+}
+
 // The category is that of the current means truncated toward zero, saturating at the ends of the int64 range.
 TEST_F(ReadingsSummarizerTest, CategoryOfTheCurrentMeansTruncatedTowardZero) {
   const std::pair<std::vector<TimedValues>, BloodPressureAnalysis> cases[] = {

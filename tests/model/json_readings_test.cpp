@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 #include "cardiolith/model/json.hpp"
@@ -74,6 +75,37 @@ TEST(ReadingsJsonTest, ReadsTheFormsOtherWritersProduce) {
   EXPECT_EQ(json::encode(readings), json::encode(expected));
 }
 
+// A date token of any length or exponent reads as the double a correctly rounding strtod gives.
+TEST(ReadingsJsonTest, ReadsEveryDateFormAsTheNearestDouble) {
+  const std::pair<std::string_view, double> cases[] = {
+      {"0.99999999999999999999", 1.0},
+      {"-0.99999999999999999999", -1.0},
+      {"0.000000000000000000000000000012345678901234567890123",
+       0.000000000000000000000000000012345678901234567890123},
+      {"786123456.12345678901234567890", 786123456.12345678901234567890},
+      {"123456789012345678901234567890e-10", 12345678901234567890.123456789},
+      {"1e00000000000000000001", 10.0},
+      {"9007199254740993", 9007199254740992.0},  // halfway: to even
+      {"4.9e-324", 4.9e-324},
+      {"1e-400", 0.0},
+      {"-1e-400", -0.0},
+      {"0.000000000000000000001e-310", 0.0},
+  };
+  for (const auto& [token, expected] : cases) {
+    const std::string text = R"({"readings":[{"id":"r","date":)" + std::string(token) +
+                             R"(,"systolic":120,"diastolic":80,"pulse":70}]})";
+    const double date = json::decode<Readings>(text).readings.at(0)->date().timeIntervalSinceReferenceDate();
+    EXPECT_EQ(date, expected) << token;
+    EXPECT_EQ(std::signbit(date), std::signbit(expected)) << token;
+  }
+  EXPECT_EQ(
+      testing::messageOf<DecodingError>([] {
+        json::decode<Readings>(
+            R"({"readings":[{"id":"r","date":0.99999999999999999999e309,"systolic":1,"diastolic":1,"pulse":1}]})");
+      }),
+      "readings[0].date: 0.99999999999999999999e309 is out of the range of a double");
+}
+
 // A document whose reading at `index` has the given text spliced in after its last member.
 std::string withMember(std::string_view extra, int index = 0) {
   const std::string reading = R"({"id":"r","date":1,"systolic":120,"diastolic":80,"pulse":70)";
@@ -86,8 +118,7 @@ std::string withMember(std::string_view extra, int index = 0) {
 TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
   const std::string uuid = "0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F";
   const std::string structure =
-      ": The JSON document has an improper structure: missing or superfluous commas, braces, missing keys, "
-      "etc.";
+      ": broken structure: a comma, colon, brace, bracket or member name is missing or out of place";
   const std::pair<std::string, std::string> cases[] = {
       {R"({"readings":[{"id":"b","date":1,"systolic":1,"diastolic":1}]})", "readings[0].pulse: missing"},
       {withMember(R"(,"systolic":120.0)", 41), "readings[41].systolic: 120.0 is not an integer"},
@@ -114,8 +145,8 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
       {withMember(",\"notes\":\"line\nbreak\""),
        "invalid JSON at byte 86: control character in a string (it must be escaped)"},
       {R"({"readings":[], "x":"never closed})", "invalid JSON at byte 20: string is never closed"},
-      {withMember(R"(,"notes":"\ud800")"), "invalid JSON at byte 81: Problem while parsing a string"},
-      {withMember(R"(,"pulse":07)"), "invalid JSON at byte 81: Problem while parsing a number"},
+      {withMember(R"(,"notes":"\ud800")"), "invalid JSON at byte 81: invalid escape sequence in a string"},
+      {withMember(R"(,"pulse":07)"), "invalid JSON at byte 81: malformed number"},
       // Ignored members are checked too.
       {withMember(R"(,"extra":[tru])"), "invalid JSON at byte 82: malformed literal (true, false or null)"},
       {withMember(R"(,"extra":1:2)"), "invalid JSON at byte 82" + structure},
@@ -124,6 +155,37 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
   };
   for (const auto& [text, message] : cases)
     EXPECT_EQ(testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); }), message) << text;
+}
+
+// The fault named is the first in the order the members are checked (id, date, systolic, diastolic, pulse,
+// notes, tagIDs, healthKitID; inside healthKitID bloodPressureUUID, heartRateUUID), not in input order.
+TEST(ReadingsJsonTest, NamesTheFirstFaultInCheckingOrderWhateverTheMemberOrder) {
+  const std::string uuid = R"("0C2D8F3E-7B1A-4E5C-9D60-1A2B3C4D5E6F")";
+  const std::string valid = R"("id":"r","date":1,"systolic":120,"diastolic":80,"pulse":70)";
+  const std::pair<std::string, std::string> cases[] = {
+      {R"({"pulse":"x","systolic":120,"diastolic":80,"date":1})", "readings[0].id: missing"},
+      {R"({"healthKitID":3,"tagIDs":{},"notes":1,"pulse":1.5,"diastolic":"x","systolic":null,"date":"d","id":7})",
+       "readings[0].id: expected a string, found a number"},
+      {R"({"pulse":1.5,"diastolic":"x","id":"r"})", "readings[0].date: missing"},
+      {R"({"pulse":1.5,"diastolic":"x","id":"r","date":1,"systolic":1})",
+       "readings[0].diastolic: expected an integer, found a string"},
+      {R"({"healthKitID":3,"tagIDs":[1],"notes":2,)" + valid + "}",
+       "readings[0].notes: expected a string, found a number"},
+      {R"({"healthKitID":3,"tagIDs":[)" + uuid + R"(,1],)" + valid + "}",
+       "readings[0].tagIDs[1]: expected a UUID string, found a number"},
+      {R"({"healthKitID":{"heartRateUUID":"bad","x":1},)" + valid + "}",
+       "readings[0].healthKitID.bloodPressureUUID: missing"},
+      {R"({"healthKitID":{"heartRateUUID":"bad","bloodPressureUUID":1},)" + valid + "}",
+       "readings[0].healthKitID.bloodPressureUUID: expected a UUID string, found a number"},
+      // The first fault of a repeated member is kept; a later good value does not clear it.
+      {R"({"pulse":"x",)" + valid + "}", "readings[0].pulse: expected an integer, found a string"},
+      // Text that is not JSON is named as such, wherever it lies.
+      {R"({"pulse":"x","id":tru})", "invalid JSON at byte 31: malformed literal (true, false or null)"},
+  };
+  for (const auto& [reading, message] : cases) {
+    const std::string text = R"({"readings":[)" + reading + "]}";
+    EXPECT_EQ(testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); }), message) << reading;
+  }
 }
 
 }  // namespace

@@ -97,6 +97,11 @@ TEST_F(ReadingTextExportTest, LinesReplaceTheSeparatorInEveryCell) {
       {"n", "0", "Jan 31, 2 25012 08 07 0Alpha coffee, Zeta walk0n"},  // the numbers are cells too
       // An empty separator matches nothing: the cells are kept and simply run together.
       {"a b", "", "Jan 31, 20251208070Alpha coffee, Zeta walka b"},
+      // Canonically equivalent forms of the separator are replaced too, in either direction.
+      {"caf\u0065\u0301 ok", "\u00E9",
+       "Jan 31, 2025\u00E9120\u00E980\u00E970\u00E9Alpha coffee, Zeta walk\u00E9caf  ok"},
+      {"caf\u00E9 ok", "e\u0301",
+       "Jan 31, 2025e\u0301120e\u030180e\u030170e\u0301Alpha coffee, Zeta walke\u0301caf  ok"},
   };
   const FakeListFormatter lists;
   for (const auto& [notes, separator, line] : cases)

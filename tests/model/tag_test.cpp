@@ -53,6 +53,10 @@ TEST(TagTest, JsonFailuresNameTheMemberAndTheFault) {
   EXPECT_EQ(listError("{}"), "document: expected an array, found an object");
   EXPECT_EQ(listError("[{" + id + R"(,"title":"a","colorHex":"b"},{"title":"c","colorHex":"d"}])"),
             "[1].id: missing");
+  // The first fault in the order id, title, colorHex, whatever order the members come in.
+  EXPECT_EQ(tagError(R"({"colorHex":1,"title":2})"), "id: missing");
+  EXPECT_EQ(tagError(R"({"colorHex":1,"title":2,"id":"6E3B1C2A-9F4D-4A8B-B7C6-D5E4F3A2B1C0"})"),
+            "title: expected a string, found a number");
   EXPECT_EQ(listError("[] x"),
             "invalid JSON at byte 3: the document must end with the ']' that closes its top-level array");
 }

@@ -54,6 +54,31 @@ TEST(CalendarTest, LocalTimesAreGregorianDaysAndClockTimesOfTheZone) {
   EXPECT_FALSE(Calendar::current().localTime(Date(std::numeric_limits<double>::infinity())).has_value());
 }
 
+// Whole days are counted on the exact instants: an end a fraction of a millisecond short of a whole day is
+// a day fewer, also where the start has a fraction of a millisecond that ICU's own count drops.
+TEST(CalendarTest, CountsWholeDaysOnTheExactInstantsBelowAMillisecond) {
+  testing::ScopedTimeZone zone("UTC");
+  const auto calendar = Calendar::current();
+  struct Case {
+    double start;   // seconds since 2001
+    double offset;  // from start + days
+    std::int64_t days;
+    std::int64_t expected;
+  };
+  const Case cases[] = {
+      {785000000.1234567, -1.2e-7, 7, 6}, {785000000.1234567, 0, 7, 7},
+      {785000000.1234567, 1.2e-7, 7, 7},  {785000000.9999, -1e-5, 7, 6},
+      {785000000.0001, -1e-5, 1, 0},      {785000000.1234567, -1.2e-7, -7, -7},
+      {785000000.1234567, 0, -7, -7},     {785000000.1234567, 1.2e-7, -7, -6},
+      {785000000.5, 1e-6, -1, 0},
+  };
+  for (const auto& [startSeconds, offset, days, expected] : cases) {
+    const Date start(startSeconds);
+    const Date end = calendar.dateByAddingDays(days, start)->addingTimeInterval(offset);
+    EXPECT_EQ(calendar.wholeDays(start, end), expected) << startSeconds << " " << days << " " << offset;
+  }
+}
+
 TEST(CalendarTest, CountsBeyondTheCalendarsRangeGiveNothingAndLeaveDatesUnchanged) {
   testing::ScopedTimeZone zone("UTC");
   const Date start(0);

@@ -35,6 +35,35 @@ TEST(TextTest, EquivalenceHashAndOrderFollowTheCanonicalForm) {
   EXPECT_EQ(text::canonical("plain ASCII"), "plain ASCII");
 }
 
+// Replacement finds the target under canonical equivalence, between whole characters, left to right and
+// without overlaps; ASCII and invalid UTF-8 are matched byte for byte.
+TEST(TextTest, ReplacesCanonicallyEquivalentOccurrences) {
+  struct Case {
+    const char* text;
+    const char* target;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"caf\u00E9 et caf\u0065\u0301", "\u00E9", "caf_ et caf_"},
+      {"caf\u00E9 et caf\u0065\u0301", "e\u0301", "caf_ et caf_"},
+      {"\u1E69 s\u0323\u0307 s\u0307\u0323", "s\u0307\u0323", "_ _ _"},  // marks in any canonical order
+      {"e\u0301 e", "e", "e\u0301 _"},                      // never inside a character with its accents
+      {"\uAC00 \u1100\u1161", "\u1100", "\uAC00 _\u1161"},  // nor inside a precomposed syllable
+      {"\u212B \u00C5", "\u00C5", "_ _"},                   // singletons: ANGSTROM SIGN is A with ring
+      {"a;b\u037Ec", ";", "a_b_c"},
+      {"\u212A K", "K", "_ _"},
+      {"\u00E9;e\u0301;\u0301", ";", "\u00E9_e\u0301;\u0301"},  // ";" + U+0301 is another character // GREEK
+                                                                // QUESTION MARK is a semicolon
+      {"\u00E9\u00E9\u00E9", "\u00E9\u00E9", "_\u00E9"},        // not overlapping
+      {"aaa", "aa", "_a"},
+      {"ABC abc", "b", "ABC a_c"},   // case-sensitive
+      {"x\u00E9y", "", "x\u00E9y"},  // an empty target matches nothing
+      {"\xC3 \xC3", "\xC3", "_ _"},  // invalid UTF-8: bytes as they are
+  };
+  for (const auto& [text, target, expected] : cases)
+    EXPECT_EQ(text::replacingOccurrences(text, target, "_"), expected) << text << " / " << target;
+}
+
 TEST(TextTest, Utf8Validation) {
   EXPECT_TRUE(text::isValidUTF8(precomposed));
   EXPECT_TRUE(text::isValidUTF8("\xF0\x9F\x98\x80"));  // emoji

@@ -18,6 +18,7 @@
 #include "cardiolith/platform/storage_locations.hpp"
 #include "cardiolith/storage/tags_manager.hpp"
 #include "model/error_message.hpp"
+#include "platform/memory.hpp"
 #include "sample/fake_readings.hpp"
 
 namespace cardiolith {
@@ -100,8 +101,14 @@ TEST(FakeReadingsGeneratorTest, BrokenLimitsThrowBeforeAnyTagIsReadAndExtremeOne
               "FakeReadingsGenerator::generateFakeReadings: " + message);
     EXPECT_EQ(generate.reads, 0);
   }
+  // Counts whose readings could not be held: beyond a vector's size, or beyond the machine's memory.
   Generator generate;
-  EXPECT_THROW(generate(kInt64Max), std::length_error);
+  const auto beyondMemory = static_cast<std::int64_t>(detail::memory::capacityBytes() / 16);
+  for (const std::int64_t count : {kInt64Max, std::int64_t{1} << 59, beyondMemory}) {
+    EXPECT_EQ(testing::messageOf<std::length_error>([&] { generate(count); }),
+              "FakeReadingsGenerator::generateFakeReadings: a count of " + std::to_string(count) +
+                  " asks for more readings than memory can hold");
+  }
   EXPECT_EQ(generate.reads, 0);
   for (const auto& reading : generate(99, kInt64Max))  // the largest variance, whose range's size fits
     EXPECT_TRUE(reading->systolic() < 120 && reading->diastolic() < 80 && reading->pulse() < 80);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <map>
 #include <regex>
@@ -13,6 +14,7 @@
 #include <string_view>
 
 #include "model/error_message.hpp"
+#include "platform/memory.hpp"
 #include "sample/lorem_words.hpp"
 
 namespace cardiolith {
@@ -75,8 +77,9 @@ std::string errorOf(std::string (*make)(Argument), Argument argument) {
   return testing::messageOf<std::invalid_argument>([&] { make(argument); });
 }
 
+constexpr std::int64_t kInt64Max = std::numeric_limits<std::int64_t>::max();
+
 TEST(LoremTest, BrokenPreconditionsThrowSayingWhatWasWrong) {
-  constexpr std::int64_t kInt64Max = std::numeric_limits<std::int64_t>::max();
   EXPECT_EQ(errorOf<std::int64_t>(Lorem::words, -1), "Lorem::words: the count must be 0 or more, got -1");
   EXPECT_EQ(errorOf<HalfOpenRange>(Lorem::paragraphs, {4, 3}),
             "Lorem::paragraphs: the half-open range [4, 3) is empty");
@@ -87,9 +90,34 @@ TEST(LoremTest, BrokenPreconditionsThrowSayingWhatWasWrong) {
   EXPECT_EQ(errorOf<ClosedRange>(Lorem::paragraphs, {std::numeric_limits<std::int64_t>::min(), kInt64Max}),
             "Lorem::paragraphs: the range [-9223372036854775808, 9223372036854775807] has a negative lower "
             "bound, so it could give a negative count");
-  // Counts too large for a string are refused before anything is built.
-  EXPECT_THROW(Lorem::paragraphs(kInt64Max), std::length_error);
-  EXPECT_THROW(Lorem::words(static_cast<std::int64_t>(std::string().max_size() / 2 + 2)), std::length_error);
+}
+
+// Counts, given or drawn, whose text could not be held are refused before anything is built: beyond a
+// string's maximum size, or beyond the machine's memory. A drawn count below the machine's memory (a
+// chance of 1 in 2^28 or less per draw here) would be built instead.
+TEST(LoremTest, CountsTooLargeToHoldThrowLengthErrorBeforeBuilding) {
+  const auto wordsInMemory = static_cast<std::int64_t>(detail::memory::capacityBytes() / 2);
+  const std::pair<std::function<std::string()>, std::string> cases[] = {
+      {[] {
+         return Lorem::words(ClosedRange{0, kInt64Max});
+       },
+       "Lorem::words: "},
+      {[] {
+         return Lorem::sentences(HalfOpenRange{kInt64Max / 2, kInt64Max});
+       },
+       "Lorem::sentences: "},
+      {[] { return Lorem::paragraphs(kInt64Max); }, "Lorem::paragraphs: 9223372036854775807 paragraphs"},
+      {[] { return Lorem::words(static_cast<std::int64_t>(std::string().max_size() / 2 + 2)); },
+       "Lorem::words: "},
+      {[&] { return Lorem::words(wordsInMemory + 1); },
+       "Lorem::words: " + std::to_string(wordsInMemory + 1) + " words cannot fit in one string"},
+  };
+  for (const auto& [make, messageStart] : cases) {
+    for (int draw = 0; draw < 20; ++draw) {
+      const std::string message = testing::messageOf<std::length_error>(make);
+      EXPECT_EQ(message.substr(0, messageStart.size()), messageStart);
+    }
+  }
 }
 
 // Words come up in proportion to their entries in the list. Over 200,000 draws the chi-square statistic

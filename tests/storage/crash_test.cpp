@@ -7,8 +7,8 @@
 #include <thread>
 
 #include "cardiolith/storage/readings_store.hpp"
-#include "platform/random.hpp"
 #include "storage_test_support.hpp"
+#include "support/test_seed.hpp"
 
 namespace cardiolith::testing {
 namespace {
@@ -37,6 +37,8 @@ using ReadingsStoreCrashTest = StorageTest;
 TEST_F(ReadingsStoreCrashTest, KilledWhileSavingLeavesAWholeSavedDocument) {
   constexpr int kills = 100;
   int interruptedWrites = 0;
+  auto random = seededGenerator();
+  std::uniform_int_distribution<int> killDelayMicroseconds(0, 19999);
   for (int kill = 0; kill < kills; ++kill) {
     SCOPED_TRACE("kill " + std::to_string(kill));
     int pipeEnds[2];
@@ -51,7 +53,7 @@ TEST_F(ReadingsStoreCrashTest, KilledWhileSavingLeavesAWholeSavedDocument) {
     char ready = 0;
     const bool started = ::read(pipeEnds[0], &ready, 1) == 1;
     ::close(pipeEnds[0]);
-    if (started) std::this_thread::sleep_for(std::chrono::microseconds(detail::random::uniformBelow(20000)));
+    if (started) std::this_thread::sleep_for(std::chrono::microseconds(killDelayMicroseconds(random)));
     ::kill(child, SIGKILL);
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);

@@ -8,8 +8,8 @@
 #include <sstream>
 
 #include "cardiolith/platform/list_formatter.hpp"
-#include "platform/random.hpp"
 #include "storage_test_support.hpp"
+#include "support/test_seed.hpp"
 
 namespace cardiolith::testing {
 namespace {
@@ -150,8 +150,10 @@ TEST_F(TagsManagerConcurrencyTest, ConcurrentChangesEndWithTheFileEqualToTheList
   for (int t = 0; t < 4; ++t) {
     writers.emplace_back([&, t] {
       const char* const operations[] = {"insert", "update", "delete"};
+      auto random = seededGenerator(static_cast<std::uint64_t>(t));
+      std::uniform_int_distribution<int> tagNumber(1, 24);
       for (int i = 0; i < 150; ++i) {
-        const auto n = detail::random::uniformBelow(24) + 1;
+        const auto n = tagNumber(random);
         change(manager, std::string(operations[(i + t) % 3]) + " " + std::to_string(n) + ":Tag" +
                             std::to_string((n * 7 + t) % 24));
         // Rebuilds the index under the others' changes; what lookups give is checked above.

@@ -20,6 +20,15 @@ bool canonicallyEqual(std::string_view a, std::string_view b);
 // A hash that agrees with canonicallyEqual.
 std::size_t canonicalHash(std::string_view text);
 
+// `text` with every occurrence of `target` replaced by `replacement`, in one left-to-right pass, matches
+// not overlapping and replaced text not searched again, case-sensitive. Occurrences are found under
+// canonical equivalence: "é" as U+00E9 matches "e" followed by U+0301 and the reverse. A match begins and
+// ends between whole characters with their combining marks, so "e" does not match inside "e" + U+0301.
+// An empty target matches nothing. When either text is not valid UTF-8 the bytes are matched as they are.
+// An ASCII target is searched byte for byte, consulting ICU only about the non-ASCII characters of the text.
+std::string replacingOccurrences(std::string_view text, std::string_view target,
+                                 std::string_view replacement);
+
 // Orders texts by Unicode scalar values of their NFC forms (upper-case ASCII before lower case).
 // Negative, zero or positive like strcmp.
 int canonicalCompare(std::string_view a, std::string_view b);

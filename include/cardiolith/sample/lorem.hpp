@@ -12,9 +12,10 @@ namespace cardiolith {
 //
 // A negative count, an empty half-open range, a closed range whose upper bound is below its lower bound,
 // or a range with a negative lower bound (the closed range of every int64 included) throws
-// std::invalid_argument saying what was wrong, whatever the draw would have given. A count too large for
-// the text to fit in a std::string even with the shortest pieces throws std::length_error before anything
-// is built.
+// std::invalid_argument saying what was wrong, whatever the draw would have given. A count, given or
+// drawn, too large for the text to fit in one std::string even with the shortest pieces (within the
+// string's maximum size and the machine's memory, RAM and swap together) throws std::length_error, naming
+// the operation and the count, before anything is built.
 struct Lorem {
   static std::string word();
   static std::string words(std::int64_t count);

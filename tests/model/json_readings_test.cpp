@@ -33,7 +33,7 @@ TEST(ReadingsJsonTest, RoundTripsEveryCombinationOfOptionalMembersAndExtremeValu
   const std::optional<Reading::HealthKitID> healthKitCases[] = {std::nullopt, kHealthKitID};
   Readings readings;
   for (std::size_t i = 0; i < 18; ++i) {
-    readings.readings.push_back(Reading::decoded("R" + std::to_string(i), Date(7e8 + i / 3.0), 121, 79, 66,
+    readings.readings.push_back(Reading::decoded("R" + std::to_string(i), Date(7e8 + static_cast<double>(i) / 3.0), 121, 79, 66,
                                                  notesCases[i % 3], tagCases[i / 3 % 3],
                                                  healthKitCases[i / 9]));
   }
@@ -123,7 +123,8 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
        "invalid JSON at byte 1100: nested more than 1023 levels deep"},
   };
   for (const auto& [text, message] : cases)
-    EXPECT_EQ(testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); }), message) << text;
+    EXPECT_EQ(testing::messageOf<DecodingError>([&text = text] { (void)json::decode<Readings>(text); }), message)
+        << text;
 }
 
 }  // namespace

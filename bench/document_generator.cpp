@@ -81,7 +81,7 @@ std::vector<UuidBytes> tagIDs(Draws& draws) {
   const std::int64_t count = draws.between(1, 3);
   std::vector<UuidBytes> ids;
   for (std::int64_t i = 0; i < count; ++i) {
-    ids.push_back(pool[static_cast<std::size_t>(draws.between(0, pool.size() - 1))]);
+    ids.push_back(pool[static_cast<std::size_t>(draws.between(0, static_cast<std::int64_t>(pool.size()) - 1))]);
   }
   normaliseTagIDs(ids);
   return ids;

@@ -10,8 +10,8 @@ namespace {
 constexpr std::array<std::int8_t, 256> kHexValues = [] {
   std::array<std::int8_t, 256> values{};
   values.fill(-1);
-  for (int digit = 0; digit < 10; ++digit) values['0' + digit] = static_cast<std::int8_t>(digit);
-  for (int digit = 0; digit < 6; ++digit) {
+  for (std::size_t digit = 0; digit < 10; ++digit) values['0' + digit] = static_cast<std::int8_t>(digit);
+  for (std::size_t digit = 0; digit < 6; ++digit) {
     values['A' + digit] = static_cast<std::int8_t>(10 + digit);
     values['a' + digit] = static_cast<std::int8_t>(10 + digit);
   }

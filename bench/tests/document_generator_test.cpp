@@ -64,11 +64,11 @@ TEST(DocumentGeneratorTest, OptionalMembersAppearInTheirSharesWithRealisticConte
       EXPECT_TRUE(std::is_sorted(reading.tagIDs->begin(), reading.tagIDs->end()));
       for (const auto& id : *reading.tagIDs) EXPECT_NE(std::find(pool.begin(), pool.end(), id), pool.end());
     }
-    withHealthIDs += reading.healthKitID ? 1 : 0;
+    withHealthIDs += reading.healthKitID ? 1U : 0U;
   }
-  EXPECT_NEAR(withNotes / 10'000.0, 0.4, 0.03);
-  EXPECT_NEAR(withTags / 10'000.0, 0.6, 0.03);
-  EXPECT_NEAR(withHealthIDs / 10'000.0, 0.2, 0.03);
+  EXPECT_NEAR(static_cast<double>(withNotes) / 10'000.0, 0.4, 0.03);
+  EXPECT_NEAR(static_cast<double>(withTags) / 10'000.0, 0.6, 0.03);
+  EXPECT_NEAR(static_cast<double>(withHealthIDs) / 10'000.0, 0.2, 0.03);
   EXPECT_GT(notesNeedingCare, withNotes / 2);
 }
 

@@ -9,7 +9,7 @@ DrainableQueue::DrainableQueue(std::string label, SerialQueue::Priority priority
 
 void DrainableQueue::async(std::function<void()> task) {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     ++pending_;
   }
   try {
@@ -29,12 +29,12 @@ void DrainableQueue::async(std::function<void()> task) {
 
 void DrainableQueue::drain() {
   if (queue_.isCurrent()) return;
-  std::unique_lock lock(mutex_);
-  idle_.wait(lock, [this] { return pending_ == 0; });
+  MutexLock lock(mutex_);
+  while (pending_ != 0) lock.wait(idle_);
 }
 
 void DrainableQueue::finishOne() {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (--pending_ == 0) idle_.notify_all();
 }
 

@@ -3,10 +3,10 @@
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
-#include <mutex>
 #include <string>
 
 #include "platform/serial_queue.hpp"
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith::detail {
 
@@ -26,9 +26,9 @@ class DrainableQueue {
  private:
   void finishOne();
 
-  std::mutex mutex_;
+  Mutex mutex_;
   std::condition_variable idle_;
-  std::size_t pending_ = 0;
+  std::size_t pending_ CARDIOLITH_GUARDED_BY(mutex_) = 0;
   // Last, so that it is destroyed (and runs its remaining tasks) while the counter above still exists.
   SerialQueue queue_;
 };

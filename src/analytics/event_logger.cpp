@@ -1,7 +1,6 @@
 #include "cardiolith/analytics/event_logger.hpp"
 
 #include <cstdlib>
-#include <mutex>
 #include <stdexcept>
 #include <utility>
 
@@ -9,6 +8,7 @@
 #include "analytics/drainable_queue.hpp"
 #include "cardiolith/platform/logger.hpp"
 #include "cardiolith/platform/process_info.hpp"
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith {
 namespace {
@@ -22,12 +22,12 @@ constexpr char dontLogAnalyticsArgument[] = "-DONTLOGANALYTICS";
 struct EventLogger::Impl {
   // Calls take a snapshot: a shared reference to the current array, never a copy of the sinks.
   std::shared_ptr<const detail::SubEventLoggerList> snapshot() const {
-    std::lock_guard lock(sinksMutex);
+    detail::MutexLock lock(sinksMutex);
     return sinks;
   }
 
-  mutable std::mutex sinksMutex;
-  std::shared_ptr<const detail::SubEventLoggerList> sinks =
+  mutable detail::Mutex sinksMutex;
+  std::shared_ptr<const detail::SubEventLoggerList> sinks CARDIOLITH_GUARDED_BY(sinksMutex) =
       std::make_shared<const detail::SubEventLoggerList>();
   detail::DrainableQueue queue{"analytics", detail::SerialQueue::Priority::utility};
 };
@@ -78,7 +78,7 @@ void EventLogger::setSubEventLoggers(std::vector<std::shared_ptr<SubEventLogger>
   }
   auto replacement = std::make_shared<const detail::SubEventLoggerList>(std::move(subEventLoggers));
   {
-    std::lock_guard lock(impl_->sinksMutex);
+    detail::MutexLock lock(impl_->sinksMutex);
     impl_->sinks.swap(replacement);
   }
   // The old array is released outside the lock, so a sink's destructor may use the logger.

@@ -3,9 +3,10 @@
 #include <cxxabi.h>
 
 #include <filesystem>
-#include <mutex>
 #include <system_error>
 #include <typeinfo>
+
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith {
 namespace {
@@ -19,8 +20,8 @@ class SilentBackend final : public AnalyticsBackend {
 };
 
 struct BackendSlot {
-  std::mutex mutex;
-  std::shared_ptr<AnalyticsBackend> backend = std::make_shared<SilentBackend>();
+  detail::Mutex mutex;
+  std::shared_ptr<AnalyticsBackend> backend CARDIOLITH_GUARDED_BY(mutex) = std::make_shared<SilentBackend>();
 };
 
 // Never destroyed: work that runs during exit (analytics queued before it, static destructors) still uses it.
@@ -67,13 +68,15 @@ OstrelAnalyticsLogger& OstrelAnalyticsLogger::shared() {
 
 void OstrelAnalyticsLogger::setBackend(std::shared_ptr<AnalyticsBackend> backend) {
   if (!backend) backend = std::make_shared<SilentBackend>();
-  std::lock_guard lock(slot().mutex);
-  slot().backend = std::move(backend);
+  auto& current = slot();
+  detail::MutexLock lock(current.mutex);
+  current.backend = std::move(backend);
 }
 
 std::shared_ptr<AnalyticsBackend> OstrelAnalyticsLogger::backend() const {
-  std::lock_guard lock(slot().mutex);
-  return slot().backend;
+  auto& current = slot();
+  detail::MutexLock lock(current.mutex);
+  return current.backend;
 }
 
 void OstrelAnalyticsLogger::logEvent(const std::string& name, const std::optional<AnalyticsParameters>& params) {

@@ -6,18 +6,18 @@
 
 #include <cmath>
 #include <limits>
-#include <mutex>
 
 #include "platform/default_time_zone.hpp"
 #include "platform/icu_strings.hpp"
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith {
 
 // An ICU calendar is mutable while it computes, so each one is guarded by its own lock.
 struct Calendar::Impl {
-  explicit Impl(std::unique_ptr<icu::Calendar> calendar) : calendar(std::move(calendar)) {}
-  mutable std::mutex mutex;
-  std::unique_ptr<icu::Calendar> calendar;
+  explicit Impl(std::unique_ptr<icu::Calendar> icuCalendar) : calendar(std::move(icuCalendar)) {}
+  mutable detail::Mutex mutex;
+  std::unique_ptr<icu::Calendar> calendar CARDIOLITH_PT_GUARDED_BY(mutex);
 };
 
 namespace {
@@ -71,7 +71,7 @@ std::optional<Calendar> Calendar::inTimeZone(std::string_view timeZoneID) {
 
 std::optional<Date> Calendar::dateByAddingDays(std::int64_t days, Date date) const {
   if (!impl_) return std::nullopt;
-  std::lock_guard lock(impl_->mutex);
+  detail::MutexLock lock(impl_->mutex);
   return addingDays(*impl_->calendar, days, date);
 }
 
@@ -81,7 +81,7 @@ std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   const UDate end =
       start + (to.timeIntervalSinceReferenceDate() - from.timeIntervalSinceReferenceDate()) * 1000.0;
   if (!std::isfinite(start) || !std::isfinite(end)) return std::nullopt;
-  std::lock_guard lock(impl_->mutex);
+  detail::MutexLock lock(impl_->mutex);
   auto& calendar = *impl_->calendar;
   UErrorCode status = U_ZERO_ERROR;
   calendar.setTime(start, status);
@@ -104,7 +104,7 @@ std::optional<LocalTime> Calendar::localTime(Date date) const {
   if (!impl_) return std::nullopt;
   const UDate millis = toMillis(date);
   if (!std::isfinite(millis)) return std::nullopt;
-  std::lock_guard lock(impl_->mutex);
+  detail::MutexLock lock(impl_->mutex);
   auto& calendar = *impl_->calendar;
   UErrorCode status = U_ZERO_ERROR;
   calendar.setTime(millis, status);

@@ -2,9 +2,10 @@
 
 #include <cstdlib>
 #include <ctime>
-#include <mutex>
 #include <optional>
 #include <string>
+
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith::detail {
 namespace {
@@ -15,15 +16,15 @@ std::optional<std::string> environmentTZ() {
   return std::string(value);
 }
 
-std::mutex mutex;
+Mutex mutex;
 // TZ as it was when the process started, before ICU can have read it: ICU's cached default follows that
 // value, or a later one if TZ changed before ICU first looked, which a re-detection then merely confirms.
-std::optional<std::string> lastSeenTZ = environmentTZ();
+std::optional<std::string> lastSeenTZ CARDIOLITH_GUARDED_BY(mutex) = environmentTZ();
 
 }  // namespace
 
 std::unique_ptr<icu::TimeZone> currentDefaultTimeZone() {
-  std::lock_guard lock(mutex);
+  MutexLock lock(mutex);
   if (auto tz = environmentTZ(); tz != lastSeenTZ) {
     lastSeenTZ = std::move(tz);
     ::tzset();

@@ -3,16 +3,16 @@
 #include <unicode/listformatter.h>
 #include <unicode/locid.h>
 
-#include <mutex>
 #include <stdexcept>
 
 #include "platform/icu_strings.hpp"
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith {
 
 struct ListFormatter::Impl {
-  std::mutex mutex;  // ICU formatters are not safe for concurrent use
-  std::unique_ptr<icu::ListFormatter> format;
+  detail::Mutex mutex;  // ICU formatters are not safe for concurrent use
+  std::unique_ptr<icu::ListFormatter> format CARDIOLITH_PT_GUARDED_BY(mutex);
 };
 
 ListFormatter::ListFormatter(std::string localeID) : impl_(std::make_unique<Impl>()) {
@@ -34,7 +34,7 @@ std::optional<std::string> ListFormatter::string(const std::vector<std::string>&
   icu::UnicodeString text;
   UErrorCode status = U_ZERO_ERROR;
   {
-    std::lock_guard lock(impl_->mutex);
+    detail::MutexLock lock(impl_->mutex);
     impl_->format->format(unicodeItems.data(), static_cast<int32_t>(unicodeItems.size()), text, status);
   }
   if (U_FAILURE(status)) return std::nullopt;

@@ -2,7 +2,8 @@
 
 #include <cstdio>
 #include <memory>
-#include <mutex>
+
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith {
 namespace {
@@ -28,8 +29,8 @@ void writeToStandardError(const LogRecord& record) {
 
 // The handler is swapped under a lock and called outside it, so a handler may log or replace itself.
 struct HandlerSlot {
-  std::mutex mutex;
-  std::shared_ptr<const Handler> handler;
+  detail::Mutex mutex;
+  std::shared_ptr<const Handler> handler CARDIOLITH_GUARDED_BY(mutex);
 };
 
 // Never destroyed: work that runs during exit (analytics queued before it, static destructors) still uses it.
@@ -53,8 +54,9 @@ void Logger::fault(std::string_view message) const { log(LogLevel::fault, messag
 void Logger::log(LogLevel level, std::string_view message) const {
   std::shared_ptr<const Handler> handler;
   {
-    std::lock_guard lock(slot().mutex);
-    handler = slot().handler;
+    auto& current = slot();
+    detail::MutexLock lock(current.mutex);
+    handler = current.handler;
   }
   const LogRecord record{level, subsystem_, category_, message};
   if (handler) {
@@ -66,8 +68,9 @@ void Logger::log(LogLevel level, std::string_view message) const {
 
 void Logger::setHandler(std::function<void(const LogRecord&)> handler) {
   auto shared = handler ? std::make_shared<const Handler>(std::move(handler)) : nullptr;
-  std::lock_guard lock(slot().mutex);
-  slot().handler = std::move(shared);
+  auto& current = slot();
+  detail::MutexLock lock(current.mutex);
+  current.handler = std::move(shared);
 }
 
 }  // namespace cardiolith

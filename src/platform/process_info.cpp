@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <mutex>
 #include <optional>
+
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith {
 namespace {
@@ -25,8 +26,8 @@ std::vector<std::string> readProcessArguments() {
 }
 
 struct ArgumentsSlot {
-  std::mutex mutex;
-  std::optional<std::vector<std::string>> overridden;
+  detail::Mutex mutex;
+  std::optional<std::vector<std::string>> overridden CARDIOLITH_GUARDED_BY(mutex);
 };
 
 // Never destroyed: analytics work drained at exit still asks for the launch arguments.
@@ -39,15 +40,17 @@ ArgumentsSlot& slot() {
 
 std::vector<std::string> ProcessInfo::arguments() {
   {
-    std::lock_guard lock(slot().mutex);
-    if (slot().overridden) return *slot().overridden;
+    auto& current = slot();
+    detail::MutexLock lock(current.mutex);
+    if (current.overridden) return *current.overridden;
   }
   return readProcessArguments();
 }
 
 void ProcessInfo::setArguments(std::vector<std::string> arguments) {
-  std::lock_guard lock(slot().mutex);
-  slot().overridden = std::move(arguments);
+  auto& current = slot();
+  detail::MutexLock lock(current.mutex);
+  current.overridden = std::move(arguments);
 }
 
 bool ProcessInfo::hasArgument(const std::string& argument) {

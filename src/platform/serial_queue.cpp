@@ -40,7 +40,7 @@ SerialQueue::SerialQueue(std::string label, Priority priority) : label_(std::mov
 
 SerialQueue::~SerialQueue() {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     stopping_ = true;
   }
   wake_.notify_one();
@@ -49,7 +49,7 @@ SerialQueue::~SerialQueue() {
 
 void SerialQueue::async(std::function<void()> task) {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     tasks_.push_back(std::move(task));
   }
   wake_.notify_one();
@@ -59,8 +59,8 @@ void SerialQueue::run() {
   for (;;) {
     std::function<void()> task;
     {
-      std::unique_lock lock(mutex_);
-      wake_.wait(lock, [this] { return stopping_ || !tasks_.empty(); });
+      MutexLock lock(mutex_);
+      while (!stopping_ && tasks_.empty()) lock.wait(wake_);
       if (tasks_.empty()) return;  // stopping, and everything submitted has run
       task = std::move(tasks_.front());
       tasks_.pop_front();

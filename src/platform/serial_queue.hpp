@@ -5,11 +5,12 @@
 #include <functional>
 #include <future>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <type_traits>
 #include <utility>
+
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith::detail {
 
@@ -50,10 +51,10 @@ class SerialQueue {
 
   std::string label_;
   Priority priority_;
-  std::mutex mutex_;
+  Mutex mutex_;
   std::condition_variable wake_;
-  std::deque<std::function<void()>> tasks_;
-  bool stopping_ = false;
+  std::deque<std::function<void()>> tasks_ CARDIOLITH_GUARDED_BY(mutex_);
+  bool stopping_ CARDIOLITH_GUARDED_BY(mutex_) = false;
   std::thread worker_;
 };
 

@@ -3,14 +3,15 @@
 #include <unicode/locid.h>
 
 #include <memory>
-#include <mutex>
+
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith {
 namespace {
 
 struct TranslatorSlot {
-  std::mutex mutex;
-  std::shared_ptr<const StringTable::Translator> translator;
+  detail::Mutex mutex;
+  std::shared_ptr<const StringTable::Translator> translator CARDIOLITH_GUARDED_BY(mutex);
 };
 
 TranslatorSlot& slot() {
@@ -23,8 +24,9 @@ TranslatorSlot& slot() {
 std::string StringTable::localized(std::string_view key) {
   std::shared_ptr<const Translator> translator;
   {
-    std::lock_guard lock(slot().mutex);
-    translator = slot().translator;
+    auto& current = slot();
+    detail::MutexLock lock(current.mutex);
+    translator = current.translator;
   }
   if (translator) {
     if (auto translation = (*translator)(key, icu::Locale::getDefault().getName())) return *translation;
@@ -34,8 +36,9 @@ std::string StringTable::localized(std::string_view key) {
 
 void StringTable::setTranslator(Translator translator) {
   auto shared = translator ? std::make_shared<const Translator>(std::move(translator)) : nullptr;
-  std::lock_guard lock(slot().mutex);
-  slot().translator = std::move(shared);
+  auto& current = slot();
+  detail::MutexLock lock(current.mutex);
+  current.translator = std::move(shared);
 }
 
 }  // namespace cardiolith

@@ -27,8 +27,8 @@ constexpr auto kDigitPairs = [] {
 constexpr auto kHexValues = [] {
   std::array<std::int8_t, 256> values{};
   values.fill(-1);
-  for (int digit = 0; digit < 10; ++digit) values['0' + digit] = static_cast<std::int8_t>(digit);
-  for (int letter = 0; letter < 6; ++letter) {
+  for (std::size_t digit = 0; digit < 10; ++digit) values['0' + digit] = static_cast<std::int8_t>(digit);
+  for (std::size_t letter = 0; letter < 6; ++letter) {
     values['a' + letter] = static_cast<std::int8_t>(10 + letter);
     values['A' + letter] = static_cast<std::int8_t>(10 + letter);
   }
@@ -79,10 +79,10 @@ std::string UUID::uuidString() const {
 
 std::size_t std::hash<cardiolith::UUID>::operator()(const cardiolith::UUID& uuid) const noexcept {
   // The bytes are random for generated ids; fold them into one word (FNV-1a over 16 bytes).
-  std::uint64_t hash = 1469598103934665603ULL;
+  std::uint64_t folded = 1469598103934665603ULL;
   for (const auto byte : uuid.bytes()) {
-    hash ^= byte;
-    hash *= 1099511628211ULL;
+    folded ^= byte;
+    folded *= 1099511628211ULL;
   }
-  return static_cast<std::size_t>(hash);
+  return static_cast<std::size_t>(folded);
 }

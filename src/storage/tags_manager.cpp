@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <stdexcept>
@@ -13,6 +14,7 @@
 #include "cardiolith/platform/logger.hpp"
 #include "cardiolith/platform/text.hpp"
 #include "platform/serial_queue.hpp"
+#include "platform/thread_annotations.hpp"
 #include "storage/tags_store.hpp"
 
 namespace cardiolith {
@@ -70,9 +72,16 @@ std::vector<Step> stepsOf(const Change& change) {
 }  // namespace
 
 struct TagsManager::Impl {
-  Impl(TagsManager& owner, const StorageLocations& locations, StorageOptions options)
-      : owner(owner), store(locations, options) {
-    work.async([this] { applyLoaded(store.load().get()); });
+  Impl(TagsManager& manager, const StorageLocations& locations, StorageOptions options)
+      : owner(manager), store(locations, options) {
+    work.async([this] {
+      auto loadedList = store.load().get();
+      {
+        detail::MutexLock lock(stateMutex);
+        loadUnreadable = loadedList.unreadable;
+      }
+      applyLoaded(std::move(loadedList.tags));
+    });
   }
 
   void change(const Change& change) {
@@ -84,7 +93,7 @@ struct TagsManager::Impl {
       const bool anyoneListening = publisher.subscriberCount() > 0;
       std::vector<Tag> published;
       {
-        std::lock_guard lock(stateMutex);
+        detail::MutexLock lock(stateMutex);
         step(tags);
         indexIsStale = true;
         if (anyoneListening) published = tags;
@@ -92,7 +101,7 @@ struct TagsManager::Impl {
       if (anyoneListening) publisher.send(published);
     }
     {
-      std::lock_guard lock(stateMutex);
+      detail::MutexLock lock(stateMutex);
       if (!loaded) changesBeforeLoad.push_back(change);
     }
     work.async([this] { save(); });
@@ -105,7 +114,7 @@ struct TagsManager::Impl {
       owner.sendObjectWillChange();
       std::vector<Tag> published;
       {
-        std::lock_guard lock(stateMutex);
+        detail::MutexLock lock(stateMutex);
         for (const auto& change : changesBeforeLoad) {
           for (const auto& step : stepsOf(change)) step(loadedTags);
         }
@@ -118,7 +127,7 @@ struct TagsManager::Impl {
       publisher.send(published);
     }
     {
-      std::lock_guard lock(stateMutex);
+      detail::MutexLock lock(stateMutex);
       loadPublished = true;
     }
     loadPublishedCondition.notify_all();
@@ -128,7 +137,7 @@ struct TagsManager::Impl {
   void save() {
     std::vector<Tag> snapshot;
     {
-      std::lock_guard lock(stateMutex);
+      detail::MutexLock lock(stateMutex);
       snapshot = tags;
     }
     // A shared future keeps the error it carries until after the handler has read it (future::get()
@@ -138,6 +147,8 @@ struct TagsManager::Impl {
       saved.get();
     } catch (const std::exception& error) {
       Logger::standard().error("Failed to save tags " + localizedDescription(error));
+      detail::MutexLock lock(stateMutex);
+      saveFailure = std::current_exception();
     }
   }
 
@@ -147,14 +158,14 @@ struct TagsManager::Impl {
     std::lock_guard serial(changeMutex);
     std::vector<Tag> current;
     {
-      std::lock_guard lock(stateMutex);
+      detail::MutexLock lock(stateMutex);
       current = tags;
     }
     subscriber(current);
   }
 
-  // The last tag in list order with this id, or null. Called with stateMutex held.
-  const Tag* findLocked(const UUID& id) const {
+  // The last tag in list order with this id, or null.
+  const Tag* findLocked(const UUID& id) const CARDIOLITH_REQUIRES(stateMutex) {
     if (indexIsStale) {
       index.clear();
       for (std::size_t position = 0; position < tags.size(); ++position)
@@ -181,13 +192,17 @@ struct TagsManager::Impl {
   // made. Recursive: an observer may make a change from its callback.
   std::recursive_mutex changeMutex;
   // Guards the fields below; never held while observers are called.
-  mutable std::mutex stateMutex;
-  std::vector<Tag> tags;
-  mutable std::unordered_map<UUID, std::size_t> index;  // positions in `tags`
-  mutable bool indexIsStale = true;
-  bool loaded = false;
-  std::vector<Change> changesBeforeLoad;
-  bool loadPublished = false;
+  mutable detail::Mutex stateMutex;
+  std::vector<Tag> tags CARDIOLITH_GUARDED_BY(stateMutex);
+  // Positions in `tags`.
+  mutable std::unordered_map<UUID, std::size_t> index CARDIOLITH_GUARDED_BY(stateMutex);
+  mutable bool indexIsStale CARDIOLITH_GUARDED_BY(stateMutex) = true;
+  bool loaded CARDIOLITH_GUARDED_BY(stateMutex) = false;
+  std::vector<Change> changesBeforeLoad CARDIOLITH_GUARDED_BY(stateMutex);
+  bool loadPublished CARDIOLITH_GUARDED_BY(stateMutex) = false;
+  bool loadUnreadable CARDIOLITH_GUARDED_BY(stateMutex) = false;
+  // The latest failed save's error, until finishPendingSaves() reports it.
+  std::exception_ptr saveFailure CARDIOLITH_GUARDED_BY(stateMutex);
   mutable std::condition_variable loadPublishedCondition;
 
   // The initial load, then every save, one after another. Last: destroyed first, after running them all.
@@ -202,14 +217,14 @@ TagsManager::TagsManager(StorageLocations locations, StorageOptions options)
 TagsManager::~TagsManager() = default;
 
 std::vector<Tag> TagsManager::tags() const {
-  std::lock_guard lock(impl_->stateMutex);
+  detail::MutexLock lock(impl_->stateMutex);
   return impl_->tags;
 }
 
 Publisher<std::vector<Tag>>& TagsManager::tagsPublisher() { return impl_->publisher; }
 
 std::optional<Tag> TagsManager::tag(const UUID& id) const {
-  std::lock_guard lock(impl_->stateMutex);
+  detail::MutexLock lock(impl_->stateMutex);
   if (const Tag* found = impl_->findLocked(id)) return *found;
   return std::nullopt;
 }
@@ -217,7 +232,7 @@ std::optional<Tag> TagsManager::tag(const UUID& id) const {
 std::vector<Tag> TagsManager::tags(const std::set<UUID>& ids) const {
   std::vector<Tag> found;
   {
-    std::lock_guard lock(impl_->stateMutex);
+    detail::MutexLock lock(impl_->stateMutex);
     for (const auto& id : ids) {
       if (const Tag* tag = impl_->findLocked(id)) found.push_back(*tag);
     }
@@ -238,13 +253,29 @@ void TagsManager::deleteTag(const Tag& tag) { impl_->change({Operation::remove, 
 
 void TagsManager::waitUntilLoaded() const {
   impl_->refuseToWaitOnOwnThread("waitUntilLoaded()");
-  std::unique_lock lock(impl_->stateMutex);
-  impl_->loadPublishedCondition.wait(lock, [this] { return impl_->loadPublished; });
+  detail::MutexLock lock(impl_->stateMutex);
+  while (!impl_->loadPublished) lock.wait(impl_->loadPublishedCondition);
 }
 
 void TagsManager::waitForPendingSaves() const {
   impl_->refuseToWaitOnOwnThread("waitForPendingSaves()");
   impl_->work.submit([] {}).get();
+}
+
+void TagsManager::finishPendingSaves() const {
+  impl_->refuseToWaitOnOwnThread("finishPendingSaves()");
+  impl_->work.submit([] {}).get();
+  std::exception_ptr failure;
+  {
+    detail::MutexLock lock(impl_->stateMutex);
+    std::swap(failure, impl_->saveFailure);
+  }
+  if (failure) std::rethrow_exception(failure);
+}
+
+bool TagsManager::loadFailed() const {
+  detail::MutexLock lock(impl_->stateMutex);
+  return impl_->loadUnreadable;
 }
 
 }  // namespace cardiolith

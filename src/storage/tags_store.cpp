@@ -51,10 +51,15 @@ std::vector<Tag> TagsStore::defaultTags() {
   return tags;
 }
 
-std::future<std::vector<Tag>> TagsStore::load() {
+std::future<TagsStore::Loaded> TagsStore::load() {
   return queue_.submit([this] {
     auto stored = file_.load<std::vector<Tag>>("Unable to load tags: ");
-    return stored && !stored->empty() ? std::move(*stored) : defaultTags();
+    if (stored && !stored->empty()) return Loaded{std::move(*stored)};
+    // A file that can't even be looked at counts as present: only a missing one is a first start.
+    std::error_code ignored;
+    const bool present = std::filesystem::symlink_status(file_.path(), ignored).type() !=
+                         std::filesystem::file_type::not_found;
+    return Loaded{defaultTags(), !stored && present};
   });
 }
 

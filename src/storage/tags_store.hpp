@@ -22,16 +22,23 @@ class TagsStore {
   TagsStore(const TagsStore&) = delete;
   TagsStore& operator=(const TagsStore&) = delete;
 
+  // What load() found: the stored list, or the defaults in its place.
+  struct Loaded {
+    std::vector<Tag> tags;
+    // A tags file is there but could not be read or decoded (a missing file is the normal first start).
+    bool unreadable = false;
+  };
+
   // The stored list in file order; the default tags when it is empty or can't be read or decoded (the
   // failure logged as "Unable to load tags: <description>"). Never writes, never fails.
-  std::future<std::vector<Tag>> load();
+  [[nodiscard]] std::future<Loaded> load();
   // Replaces the file's whole content with the list. EncodingError or filesystem_error.
-  std::future<void> save(std::vector<Tag> tags);
+  [[nodiscard]] std::future<void> save(std::vector<Tag> tags);
 
   const std::filesystem::path& localDataPath() const { return file_.path(); }
 
   // The ten default tags, in their fixed order, with titles translated through StringTable now.
-  static std::vector<Tag> defaultTags();
+  [[nodiscard]] static std::vector<Tag> defaultTags();
 
  private:
   DocumentFile file_;

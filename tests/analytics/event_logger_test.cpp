@@ -56,8 +56,8 @@ std::string describe(const std::optional<AnalyticsParameters>& parameters) {
 // <properties>", adding the thread's name unless it is the analytics queue's, then runs `then`.
 struct Recorder : AnalyticsBackend, SubEventLogger {
   using Parameters = std::optional<AnalyticsParameters>;
-  Recorder(std::shared_ptr<Record> record, std::string label, std::function<void()> then = {})
-      : record(std::move(record)), label(std::move(label)), then(std::move(then)) {}
+  Recorder(std::shared_ptr<Record> sharedRecord, std::string recorderLabel, std::function<void()> afterwards = {})
+      : record(std::move(sharedRecord)), label(std::move(recorderLabel)), then(std::move(afterwards)) {}
 
   void add(const std::string& delivery) {
     char buffer[16] = {};

@@ -34,7 +34,7 @@ TEST(ReadingsJsonTest, RoundTripsEveryCombinationOfOptionalMembersAndExtremeValu
   const std::optional<Reading::HealthKitID> healthKitCases[] = {std::nullopt, kHealthKitID};
   Readings readings;
   for (std::size_t i = 0; i < 18; ++i) {
-    readings.readings.push_back(Reading::decoded("R" + std::to_string(i), Date(7e8 + i / 3.0), 121, 79, 66,
+    readings.readings.push_back(Reading::decoded("R" + std::to_string(i), Date(7e8 + static_cast<double>(i) / 3.0), 121, 79, 66,
                                                  notesCases[i % 3], tagCases[i / 3 % 3],
                                                  healthKitCases[i / 9]));
   }
@@ -100,7 +100,7 @@ TEST(ReadingsJsonTest, ReadsEveryDateFormAsTheNearestDouble) {
   }
   EXPECT_EQ(
       testing::messageOf<DecodingError>([] {
-        json::decode<Readings>(
+        (void)json::decode<Readings>(
             R"({"readings":[{"id":"r","date":0.99999999999999999999e309,"systolic":1,"diastolic":1,"pulse":1}]})");
       }),
       "readings[0].date: 0.99999999999999999999e309 is out of the range of a double");
@@ -154,7 +154,8 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
        "invalid JSON at byte 1100: nested more than 1023 levels deep"},
   };
   for (const auto& [text, message] : cases)
-    EXPECT_EQ(testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); }), message) << text;
+    EXPECT_EQ(testing::messageOf<DecodingError>([&text = text] { (void)json::decode<Readings>(text); }), message)
+        << text;
 }
 
 // The fault named is the first in the order the members are checked (id, date, systolic, diastolic, pulse,
@@ -184,7 +185,7 @@ TEST(ReadingsJsonTest, NamesTheFirstFaultInCheckingOrderWhateverTheMemberOrder) 
   };
   for (const auto& [reading, message] : cases) {
     const std::string text = R"({"readings":[)" + reading + "]}";
-    EXPECT_EQ(testing::messageOf<DecodingError>([&] { json::decode<Readings>(text); }), message) << reading;
+    EXPECT_EQ(testing::messageOf<DecodingError>([&] { (void)json::decode<Readings>(text); }), message) << reading;
   }
 }
 

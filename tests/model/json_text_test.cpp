@@ -62,7 +62,7 @@ Readings documentWith(std::size_t index, std::string id, double date, std::optio
 }
 
 std::string encodingError(const Readings& readings) {
-  return testing::messageOf<EncodingError>([&] { json::encode(readings); });
+  return testing::messageOf<EncodingError>([&] { (void)json::encode(readings); });
 }
 
 TEST(JsonTextTest, RefusesToWriteWhatWouldNotReadBack) {
@@ -84,11 +84,11 @@ TEST(JsonTextTest, RefusesToWriteWhatWouldNotReadBack) {
     EXPECT_EQ(encodingError(documentWith(3, "x", 1, text)), "readings[3].notes" + suffix);
   }
   EXPECT_EQ(testing::messageOf<EncodingError>([] {
-              json::encode(Tag{kID, "0\xC3", "ok"});
+              (void)json::encode(Tag{kID, "0\xC3", "ok"});
             }),
             "title: invalid UTF-8 at byte 1");
   EXPECT_EQ(testing::messageOf<EncodingError>([] {
-              json::encode(std::vector<Tag>{{kID, "ok", "ok"}, {kID, "ok", "\xff"}});
+              (void)json::encode(std::vector<Tag>{{kID, "ok", "ok"}, {kID, "ok", "\xff"}});
             }),
             "[1].colorHex: invalid UTF-8 at byte 0");
 }

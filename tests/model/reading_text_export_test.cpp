@@ -18,7 +18,7 @@ using Cells = std::vector<std::string>;
 
 // Joins the items with ", ", or gives nothing when made to.
 struct FakeListFormatter : ListFormatter {
-  explicit FakeListFormatter(bool givesNothing = false) : givesNothing(givesNothing) {}
+  explicit FakeListFormatter(bool nothing = false) : givesNothing(nothing) {}
   std::optional<std::string> string(const std::vector<std::string>& items) const override {
     std::string list;
     for (const auto& item : items) list += (list.empty() ? "" : ", ") + item;

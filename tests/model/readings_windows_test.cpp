@@ -28,7 +28,7 @@ std::string canonicalDocument(int count) {
   for (int index = 0; index < count; ++index) {
     readings.readings.push_back(Reading::decoded(
         "id-" + std::to_string(index), Date(index * 1.25), 110 + index, 70 + index % 9, 60 + index % 7,
-        kNotes[index % std::size(kNotes)], index % 3 == 0 ? std::optional(std::set{kTag}) : std::nullopt,
+        kNotes[static_cast<std::size_t>(index) % std::size(kNotes)], index % 3 == 0 ? std::optional(std::set{kTag}) : std::nullopt,
         index % 4 == 0 ? std::optional(kHealthKitID) : std::nullopt));
   }
   return json::encode(readings);
@@ -145,7 +145,7 @@ TEST(ReadingsWindowsTest, LeavesOtherShapesAndBrokenDocumentsToTheWholeText) {
     if (expected == "no error") {
       expectSameReadings(json::decode<Readings>(text), decodeWhole(text));
     } else {
-      EXPECT_EQ(messageOf<DecodingError>([&] { json::decode<Readings>(text); }), expected);
+      EXPECT_EQ(messageOf<DecodingError>([&] { (void)json::decode<Readings>(text); }), expected);
     }
   }
 }
@@ -155,7 +155,7 @@ TEST(ReadingsWindowsTest, LimitsNestingAsTheWholeTextDoes) {
   int decodedWhole = 0;
   for (int depth = 1018; depth <= 1026; ++depth) {
     const std::string text = R"({"readings":[{"id":"a","date":1,"systolic":2,"diastolic":3,"pulse":4,"x":)" +
-                             std::string(depth, '[') + std::string(depth, ']') + "}]}";
+                             std::string(static_cast<std::size_t>(depth), '[') + std::string(static_cast<std::size_t>(depth), ']') + "}]}";
     const bool whole = messageOf<DecodingError>([&] { decodeWhole(text); }) == "no error";
     decodedWhole += whole;
     EXPECT_EQ(decodeInWindows(text, 64).readings.has_value(), whole) << "depth " << depth;
@@ -166,7 +166,7 @@ TEST(ReadingsWindowsTest, LimitsNestingAsTheWholeTextDoes) {
 
 TEST(ReadingsWindowsTest, WholeTextReadInPlaceCountsOffsetsFromItsStart) {
   for (std::string text : {std::string(R"({"readings" []})"), std::string(R"({"readings":[]}})")}) {
-    const std::string copied = messageOf<DecodingError>([&] { json::decode<Readings>(text); });
+    const std::string copied = messageOf<DecodingError>([&] { (void)json::decode<Readings>(text); });
     text.reserve(text.size() + json_detail::kReadPadding);
     EXPECT_EQ(messageOf<DecodingError>([&] { decodeReadingsInPlace(text); }), copied);
   }

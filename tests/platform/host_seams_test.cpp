@@ -48,7 +48,7 @@ TEST(ProcessInfoTest, ReadsTheRealArgumentsUntilOverridden) {
 
 // Sets (or, given nothing, clears) one environment variable for a scope.
 struct ScopedVariable {
-  ScopedVariable(const char* name, const std::optional<std::filesystem::path>& value) : name(name) {
+  ScopedVariable(const char* variable, const std::optional<std::filesystem::path>& value) : name(variable) {
     if (const char* old = std::getenv(name)) previous = old;
     value ? ::setenv(name, value->c_str(), 1) : ::unsetenv(name);
   }

@@ -34,11 +34,11 @@ std::string describe(const ReadingsSummary& summary) {
 // This is the program's only use of the placeholder, so the threads race for its first access (unless the
 // test is repeated in one process, when the single build has already happened).
 TEST(PlaceHolderConcurrencyTest, ManyThreadsAtOnceBuildOneSummary) {
-  constexpr int kThreads = 16;
+  constexpr std::size_t kThreads = 16;
   std::latch start(kThreads);
   std::vector<std::optional<ReadingsSummary>> first(kThreads), second(kThreads);
   std::vector<std::thread> threads;
-  for (int i = 0; i < kThreads; ++i) {
+  for (std::size_t i = 0; i < kThreads; ++i) {
     threads.emplace_back([&, i] {
       start.arrive_and_wait();
       first[i] = ReadingsSummary::placeHolder();
@@ -53,7 +53,7 @@ TEST(PlaceHolderConcurrencyTest, ManyThreadsAtOnceBuildOneSummary) {
   ASSERT_TRUE(reference.currentPeriodAverage() && reference.previousPreviousAverage() &&
               reference.systolicChange() && reference.diastolicChange() && reference.pulseChange() &&
               reference.currentPeriodAverageAnalysis());
-  for (int i = 0; i < kThreads; ++i) {
+  for (std::size_t i = 0; i < kThreads; ++i) {
     EXPECT_EQ(describe(*first[i]), describe(reference)) << "thread " << i;
     EXPECT_EQ(describe(*second[i]), describe(reference)) << "thread " << i;
   }

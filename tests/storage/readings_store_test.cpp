@@ -118,7 +118,7 @@ TEST_F(ReadingsStoreConcurrencyTest, LoadsOnlyEverSeeWholeSavedDocuments) {
         std::vector<std::future<void>> saves;
         std::vector<std::future<Readings>> loads;
         for (int call = 0; call < 250; ++call) {
-          ReadingsStore& store = *stores[(t + call) % stores.size()];
+          ReadingsStore& store = *stores[static_cast<std::size_t>(t + call) % stores.size()];
           if (call % 2 == 0) saves.push_back(store.save(document((t * 250 + call) % 8)));
           if (call % 2 == 1) loads.push_back(store.load());
         }

@@ -33,7 +33,7 @@ class StorageFaultTest : public StorageTest, public ::testing::WithParamInterfac
 };
 
 INSTANTIATE_TEST_SUITE_P(WriteModes, StorageFaultTest, ::testing::Bool(),
-                         [](const auto& info) { return info.param ? "Durable" : "Plain"; });
+                         [](const auto& test) { return test.param ? "Durable" : "Plain"; });
 
 TEST_P(StorageFaultTest, FolderWithoutWritePermission) {
   writeWholeFile(readingsFile(), json::encode(sampleReadings(1)));
@@ -71,14 +71,16 @@ TEST_P(StorageFaultTest, FullDisk) {
     EXPECT_EQ(readWholeFile(readingsFile()), durable() ? previous : next.substr(0, room));
   }
 
-  // A failed tag save is logged, and the change stays in memory.
+  // A failed tag save is logged and reported once to the caller who waits for it, and the change stays in
+  // memory.
   const std::vector<Tag> stored{Tag{UUID::random(), "Old", "000000"}};
   writeWholeFile(tagsFile(), json::encode(stored));
   TagsManager manager(locations(), options());
   manager.waitUntilLoaded();
   detail::write_faults::failAfter(5);
   manager.insert(Tag{UUID::random(), "New", "ffffff"});
-  manager.waitForPendingSaves();
+  EXPECT_THROW(manager.finishPendingSaves(), fs::filesystem_error);
+  EXPECT_NO_THROW(manager.finishPendingSaves());
   EXPECT_THAT(logs(), ElementsAre(AllOf(StartsWith("error: Failed to save tags "),
                                         HasSubstr("No space left on device"))));
   ASSERT_EQ(manager.tags().size(), 2U);

@@ -35,7 +35,7 @@ std::size_t change(TagsManager& manager, const std::string& changes) {
     if (operation == "insert") manager.insert(tagsFrom(tag)[0]);
     if (operation == "update") manager.update(tagsFrom(tag)[0]);
     if (operation == "delete") manager.deleteTag(tagsFrom(tag)[0]);
-    steps += operation == "delete" ? 1 : 3;  // remove; or remove, append and sort
+    steps += operation == "delete" ? 1U : 3U;  // remove; or remove, append and sort
   }
   return steps;
 }
@@ -154,7 +154,7 @@ TEST_F(TagsManagerConcurrencyTest, ConcurrentChangesEndWithTheFileEqualToTheList
       std::uniform_int_distribution<int> tagNumber(1, 24);
       for (int i = 0; i < 150; ++i) {
         const auto n = tagNumber(random);
-        change(manager, std::string(operations[(i + t) % 3]) + " " + std::to_string(n) + ":Tag" +
+        change(manager, std::string(operations[static_cast<std::size_t>((i + t) % 3)]) + " " + std::to_string(n) + ":Tag" +
                             std::to_string((n * 7 + t) % 24));
         // Rebuilds the index under the others' changes; what lookups give is checked above.
         static_cast<void>(manager.formattedListString({idNumber(n), idNumber(n % 24 + 1)}));

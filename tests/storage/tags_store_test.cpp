@@ -54,7 +54,9 @@ TEST_F(TagsStoreTest, LoadGivesTheStoredListOrTheDefaults) {
     fs::remove(tagsFile());
     if (c.content) writeWholeFile(tagsFile(), *c.content);
     clearLogs();
-    EXPECT_EQ(detail::TagsStore(locations()).load().get(), c.expected);
+    const auto loaded = detail::TagsStore(locations()).load().get();
+    EXPECT_EQ(loaded.tags, c.expected);
+    EXPECT_EQ(loaded.unreadable, c.error && c.content);
     const auto logged = logs();
     ASSERT_EQ(logged.size(), c.error ? 1U : 0U);
     EXPECT_THAT(logged,
@@ -70,9 +72,9 @@ TEST_F(TagsStoreTest, DefaultTitlesAreTranslatedAtEachLoad) {
   });
   auto translated = expectedDefaults;
   translated[2].title = "Matin";
-  EXPECT_EQ(store.load().get(), translated);
+  EXPECT_EQ(store.load().get().tags, translated);
   StringTable::setTranslator(nullptr);
-  EXPECT_EQ(store.load().get(), expectedDefaults);
+  EXPECT_EQ(store.load().get().tags, expectedDefaults);
 }
 
 }  // namespace

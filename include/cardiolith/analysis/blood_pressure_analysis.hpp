@@ -14,13 +14,13 @@ struct PressureBounds {
   std::int64_t highest = std::numeric_limits<std::int64_t>::max();
 
   // Whether the row constrains this pressure at all.
-  constexpr bool isBounded() const noexcept {
+  [[nodiscard]] constexpr bool isBounded() const noexcept {
     return lowest != std::numeric_limits<std::int64_t>::min() ||
            highest != std::numeric_limits<std::int64_t>::max();
   }
   // lowest <= value <= highest without overflow: the wrapped difference compared unsigned, which also
   // rejects every value below lowest (negative ones included).
-  constexpr bool contains(std::int64_t value) const noexcept {
+  [[nodiscard]] constexpr bool contains(std::int64_t value) const noexcept {
     return static_cast<std::uint64_t>(value) - static_cast<std::uint64_t>(lowest) <=
            static_cast<std::uint64_t>(highest) - static_cast<std::uint64_t>(lowest);
   }
@@ -51,7 +51,7 @@ inline constexpr CategoryRow categoryTable[] = {
 
 struct BloodPressureAnalyzer {
   // Classifies any pair of integers by `categoryTable`. Allocation-free and usable in constant expressions.
-  static constexpr BloodPressureAnalysis result(std::int64_t systolic, std::int64_t diastolic) noexcept {
+  [[nodiscard]] static constexpr BloodPressureAnalysis result(std::int64_t systolic, std::int64_t diastolic) noexcept {
     for (const auto& row : categoryTable) {
       if (row.systolic.contains(systolic) && row.diastolic.contains(diastolic)) return row.category;
     }

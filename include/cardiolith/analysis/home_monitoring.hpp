@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cardiolith/export.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -100,7 +102,7 @@ struct HomeMonitoringReport {
   bool protocolMet() const { return completeDays >= minimumCompleteDays; }
 };
 
-struct HomeMonitoringAnalyzer {
+struct CARDIOLITH_EXPORT HomeMonitoringAnalyzer {
   // Analyses the readings dated from `from` to `to`, both included (normally the first instant of the
   // first day and the last of the last day), in any order. Readings are grouped by their local day and
   // clock time in Calendar::current(); a reading the calendar cannot place is left out. Options with an

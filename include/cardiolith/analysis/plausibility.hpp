@@ -4,6 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "cardiolith/export.hpp"
+
+#include "cardiolith/export.hpp"
+
 namespace cardiolith {
 
 // The values a person's measurement can plausibly take, inclusive: systolic 40-300 mmHg, diastolic 20-200
@@ -13,7 +17,7 @@ namespace cardiolith {
 // Why a measurement can't be a real one, one sentence per problem in the order systolic, diastolic, pulse,
 // then the order of the pressures ("the systolic pressure 301 is outside 40-300 mmHg"); empty when it is
 // plausible. Pure, callable from any thread.
-[[nodiscard]] std::vector<std::string> implausibilities(std::int64_t systolic, std::int64_t diastolic,
+[[nodiscard]] CARDIOLITH_EXPORT std::vector<std::string> implausibilities(std::int64_t systolic, std::int64_t diastolic,
                                                         std::int64_t pulse);
 
 }  // namespace cardiolith

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/analysis/blood_pressure_analysis.hpp"
 #include "cardiolith/model/reading.hpp"
 
@@ -11,7 +12,7 @@ struct ReadingsSummarizer;
 
 // The averages of a current period against the period of equal whole-day length before it. Read-only:
 // summaries come only from ReadingsSummarizer::summarise and placeHolder().
-class ReadingsSummary {
+class CARDIOLITH_EXPORT ReadingsSummary {
  public:
   // Single-precision means of one period, taken over the same readings.
   class AverageReading {
@@ -36,14 +37,14 @@ class ReadingsSummary {
   std::optional<float> diastolicChange() const { return diastolicChange_; }
   std::optional<float> pulseChange() const { return pulseChange_; }
   // The category of the current averages truncated toward zero; present exactly when they are.
-  std::optional<BloodPressureAnalysis> currentPeriodAverageAnalysis() const {
+  [[nodiscard]] std::optional<BloodPressureAnalysis> currentPeriodAverageAnalysis() const {
     return currentPeriodAverageAnalysis_;
   }
   Date currentPeriodStartDate() const { return currentPeriodStartDate_; }
   Date currentPeriodEndDate() const { return currentPeriodEndDate_; }
 
   // A copy of the process-wide sample summary, built once from 15 generated readings on first use.
-  static ReadingsSummary placeHolder();
+  [[nodiscard]] static ReadingsSummary placeHolder();
 
  private:
   friend struct ReadingsSummarizer;
@@ -59,16 +60,16 @@ class ReadingsSummary {
   Date currentPeriodEndDate_;
 };
 
-struct ReadingsSummarizer {
+struct CARDIOLITH_EXPORT ReadingsSummarizer {
   // Current period: the readings from startDate to endDate, both included. Previous period: from D
   // calendar days before startDate up to startDate, both included, where D is the whole days from
   // startDate to endDate in Calendar::current(). Sums, means and changes are computed in single precision,
   // in array order. The category is that of the current means truncated toward zero; a mean outside the
   // int64 range (2^63 or more, or below -2^63: only readings near the ends of that range give one)
   // saturates to INT64_MAX or INT64_MIN, so it still yields a category.
-  static ReadingsSummary summarise(const ReadingList& readings, Date startDate, Date endDate);
+  [[nodiscard]] static ReadingsSummary summarise(const ReadingList& readings, Date startDate, Date endDate);
   // The single-precision mean of one field, accumulated in array order; nothing for no readings.
-  static std::optional<float> getAverage(Reading::ValueType valueType, const ReadingList& readings);
+  [[nodiscard]] static std::optional<float> getAverage(Reading::ValueType valueType, const ReadingList& readings);
 };
 
 }  // namespace cardiolith

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/analytics/sub_event_logger.hpp"
 #include "cardiolith/platform/analytics_backend.hpp"
 
@@ -26,11 +27,11 @@ namespace cardiolith {
 // Work queued before a normal exit (std::exit, or returning from main) still runs: the exit waits for it.
 // Work queued while the process is exiting, or an exit called from a sink on the queue itself, is not
 // waited for. std::quick_exit, std::_Exit and abnormal termination do not wait either.
-class EventLogger {
+class CARDIOLITH_EXPORT EventLogger {
  public:
   enum class Placement { onboarding, settings, trends };
   // "onboarding", "settings", "trends"; std::invalid_argument for a value outside the enumeration.
-  static std::string_view analyticsName(Placement placement);
+  [[nodiscard]] static std::string_view analyticsName(Placement placement);
 
   // Created on first use, thread-safely; lives for the rest of the process. Starts with no sinks.
   static EventLogger& shared();
@@ -43,7 +44,7 @@ class EventLogger {
   // The sinks, in delivery order. A call delivers to the sinks set when it was made: a change affects only
   // later calls. Both are safe to use from any thread. setSubEventLoggers throws std::invalid_argument,
   // naming the index, for a null sink.
-  std::vector<std::shared_ptr<SubEventLogger>> subEventLoggers() const;
+  [[nodiscard]] std::vector<std::shared_ptr<SubEventLogger>> subEventLoggers() const;
   void setSubEventLoggers(std::vector<std::shared_ptr<SubEventLogger>> subEventLoggers);
 
  private:

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/model/readings.hpp"
 #include "cardiolith/model/tag.hpp"
 
@@ -12,13 +13,13 @@ namespace cardiolith {
 
 // A document that cannot be written so that it reads back. what() names the element and the reason,
 // for example "readings[3].date: nan is not a finite number".
-struct EncodingError : std::runtime_error {
+struct CARDIOLITH_EXPORT EncodingError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
 // A document that cannot be read. what() names the member and the reason, for example
 // "readings[41].pulse: 1.5 is not an integer", or the byte offset of broken JSON.
-struct DecodingError : std::runtime_error {
+struct CARDIOLITH_EXPORT DecodingError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
@@ -27,19 +28,19 @@ struct DecodingError : std::runtime_error {
 // the whole document fails on the first bad member.
 namespace json {
 
-std::string encode(const Readings& readings);
-std::string encode(const Tag& tag);
-std::string encode(const std::vector<Tag>& tags);
+[[nodiscard]] CARDIOLITH_EXPORT std::string encode(const Readings& readings);
+[[nodiscard]] CARDIOLITH_EXPORT std::string encode(const Tag& tag);
+[[nodiscard]] CARDIOLITH_EXPORT std::string encode(const std::vector<Tag>& tags);
 
 template <class T>
-T decode(std::string_view text);
+[[nodiscard]] T decode(std::string_view text);
 
 template <>
-Readings decode<Readings>(std::string_view text);
+[[nodiscard]] CARDIOLITH_EXPORT Readings decode<Readings>(std::string_view text);
 template <>
-Tag decode<Tag>(std::string_view text);
+[[nodiscard]] CARDIOLITH_EXPORT Tag decode<Tag>(std::string_view text);
 template <>
-std::vector<Tag> decode<std::vector<Tag>>(std::string_view text);
+[[nodiscard]] CARDIOLITH_EXPORT std::vector<Tag> decode<std::vector<Tag>>(std::string_view text);
 
 }  // namespace json
 }  // namespace cardiolith

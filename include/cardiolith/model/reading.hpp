@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/platform/date.hpp"
 #include "cardiolith/platform/observable.hpp"
 #include "cardiolith/platform/uuid.hpp"
@@ -26,7 +27,7 @@ class TagsManager;
 // holder sees the same record. Only healthKitID changes after construction, and assigning it notifies
 // nobody. healthKitID has no lock: callers that share a reading between threads serialise their access
 // to it themselves.
-class Reading : public ObservableObject {
+class CARDIOLITH_EXPORT Reading : public ObservableObject {
  public:
   // The identifiers of the matching samples in the platform's health store.
   struct HealthKitID {
@@ -52,7 +53,7 @@ class Reading : public ObservableObject {
           std::optional<std::set<UUID>> tagIDs);
 
   // Builds a decoded reading: unlike the constructor above, keeps empty notes as empty text.
-  static std::shared_ptr<Reading> decoded(std::string id, Date date, std::int64_t systolic,
+  [[nodiscard]] static std::shared_ptr<Reading> decoded(std::string id, Date date, std::int64_t systolic,
                                           std::int64_t diastolic, std::int64_t pulse,
                                           std::optional<std::string> notes,
                                           std::optional<std::set<UUID>> tagIDs,
@@ -64,7 +65,7 @@ class Reading : public ObservableObject {
   // The same, with the record and its control block in memory from `allocator` (std::allocate_shared), so
   // that a decoder can place a document's readings side by side.
   template <class Allocator>
-  static std::shared_ptr<Reading> decoded(const Allocator& allocator, std::string id, Date date,
+  [[nodiscard]] static std::shared_ptr<Reading> decoded(const Allocator& allocator, std::string id, Date date,
                                           std::int64_t systolic, std::int64_t diastolic, std::int64_t pulse,
                                           std::optional<std::string> notes,
                                           std::optional<std::set<UUID>> tagIDs,
@@ -84,24 +85,24 @@ class Reading : public ObservableObject {
   void setHealthKitID(std::optional<HealthKitID> healthKitID) { healthKitID_ = healthKitID; }
 
   // The integer field that `type` names.
-  std::int64_t value(ValueType type) const;
+  [[nodiscard]] std::int64_t value(ValueType type) const;
 
   // (systolic + 2 * diastolic) / 3, truncated toward zero.
-  std::int64_t meanArterialPressure() const;
+  [[nodiscard]] std::int64_t meanArterialPressure() const;
 
   // Hashes the id only, under canonical equivalence, so equal readings hash alike.
-  std::size_t hashValue() const;
+  [[nodiscard]] std::size_t hashValue() const;
 
   // One table row: date, systolic, diastolic, pulse, then the tags cell (when includeTags and the tag ids
   // are present, and the list formatter gives a text) and the notes cell (when includeNotes and the notes
   // are present). Cells are appended, never left empty for an absent value.
-  std::vector<std::string> inArrayFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
+  [[nodiscard]] std::vector<std::string> inArrayFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
                                          const TagsManager& tagManager, bool includeTags,
                                          bool includeNotes) const;
   // The cells of inArrayFormat, each with every occurrence of `separator` replaced by one space (one
   // left-to-right pass, matches not overlapping), joined by `separator`. No quoting. An empty separator
   // matches nothing, so the cells are kept unchanged and run together.
-  std::string inLineFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
+  [[nodiscard]] std::string inLineFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
                            const TagsManager& tagManager, std::string_view separator, bool includeTags,
                            bool includeNotes) const;
 
@@ -129,13 +130,13 @@ class Reading : public ObservableObject {
 
 // Equal when id (canonically), date, systolic, diastolic, pulse, notes (canonically; absent differs from
 // empty) and healthKitID are equal. Tag ids take no part.
-bool operator==(const Reading& a, const Reading& b);
+CARDIOLITH_EXPORT bool operator==(const Reading& a, const Reading& b);
 
 using ReadingList = std::vector<std::shared_ptr<Reading>>;
 
 }  // namespace cardiolith
 
 template <>
-struct std::hash<cardiolith::Reading> {
+struct CARDIOLITH_EXPORT std::hash<cardiolith::Reading> {
   std::size_t operator()(const cardiolith::Reading& reading) const { return reading.hashValue(); }
 };

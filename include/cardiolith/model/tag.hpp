@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/platform/uuid.hpp"
 
 namespace cardiolith {
@@ -16,11 +17,11 @@ struct Tag {
 };
 
 // Equal when id, title and colorHex are equal; texts under canonical equivalence.
-bool operator==(const Tag& a, const Tag& b);
+CARDIOLITH_EXPORT bool operator==(const Tag& a, const Tag& b);
 
 }  // namespace cardiolith
 
 template <>
-struct std::hash<cardiolith::Tag> {
+struct CARDIOLITH_EXPORT std::hash<cardiolith::Tag> {
   std::size_t operator()(const cardiolith::Tag& tag) const;
 };

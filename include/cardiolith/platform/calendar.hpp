@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/platform/date.hpp"
 
 namespace cardiolith {
@@ -25,24 +26,24 @@ struct LocalTime {
 };
 
 // The user's calendar in a fixed time zone, over ICU.
-class Calendar {
+class CARDIOLITH_EXPORT Calendar {
  public:
   // The calendar of the current locale in the default time zone as it is at the moment of the call.
   // A change of the TZ environment variable is noticed; so is icu::TimeZone::adoptDefault.
-  static Calendar current();
+  [[nodiscard]] static Calendar current();
   // The same calendar in a named time zone (an Olson id such as "America/New_York").
-  static std::optional<Calendar> inTimeZone(std::string_view timeZoneID);
+  [[nodiscard]] static std::optional<Calendar> inTimeZone(std::string_view timeZoneID);
 
   // The instant `days` calendar days after `date` at the same local wall-clock time (no wrapping).
   // Nothing when the result lies outside what the calendar can represent.
-  std::optional<Date> dateByAddingDays(std::int64_t days, Date date) const;
+  [[nodiscard]] std::optional<Date> dateByAddingDays(std::int64_t days, Date date) const;
   // The whole calendar days from `from` to `to`, negative when `to` is earlier; nothing when the
   // calendar cannot count them.
-  std::optional<std::int64_t> wholeDays(Date from, Date to) const;
+  [[nodiscard]] std::optional<std::int64_t> wholeDays(Date from, Date to) const;
   // The local day and clock time of `date` in this calendar's time zone (after a daylight-saving change,
   // the clock time that the zone shows then). Nothing when the calendar cannot represent the instant.
   // Thread-safe, like every operation of a calendar.
-  std::optional<LocalTime> localTime(Date date) const;
+  [[nodiscard]] std::optional<LocalTime> localTime(Date date) const;
 
   struct Impl;
 

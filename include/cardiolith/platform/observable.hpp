@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "cardiolith/export.hpp"
+
 namespace cardiolith {
 
 // Cancels a subscription when it is destroyed or cancelled. Move-only.
@@ -82,7 +84,7 @@ class Publisher {
     for (const auto& callback : snapshot) (*callback)(values...);
   }
 
-  std::size_t subscriberCount() const {
+  [[nodiscard]] std::size_t subscriberCount() const {
     std::lock_guard lock(state_->mutex);
     return state_->subscribers.size();
   }
@@ -99,7 +101,7 @@ class Publisher {
 
 // An object whose observers hear of a change before it happens. The publisher is made on first use,
 // so an object nobody observes carries one null pointer and nothing else.
-class ObservableObject {
+class CARDIOLITH_EXPORT ObservableObject {
  public:
   ObservableObject() = default;
   ObservableObject(const ObservableObject&) = delete;

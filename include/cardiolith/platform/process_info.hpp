@@ -3,17 +3,21 @@
 #include <string>
 #include <vector>
 
+#include "cardiolith/export.hpp"
+
 namespace cardiolith {
 
 // The process's launch arguments. Read from the process itself (/proc/self/cmdline), so a host does not
 // have to pass argv along; a host or a test may replace them.
-struct ProcessInfo {
+struct CARDIOLITH_EXPORT ProcessInfo {
   // The launch arguments, argv[0] first.
-  static std::vector<std::string> arguments();
-  // Replaces the launch arguments for the rest of the process.
+  [[nodiscard]] static std::vector<std::string> arguments();
+  // Replaces the launch arguments for the rest of the process. Safe from any thread; a reader on another
+  // thread (analytics checks its switch-off argument at each event) sees either the old or the new list
+  // whole, never a mixture.
   static void setArguments(std::vector<std::string> arguments);
   // True when one argument equals `argument` exactly (whole argument, case-sensitive).
-  static bool hasArgument(const std::string& argument);
+  [[nodiscard]] static bool hasArgument(const std::string& argument);
 };
 
 }  // namespace cardiolith

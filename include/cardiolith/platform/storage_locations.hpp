@@ -4,10 +4,12 @@
 #include <optional>
 #include <vector>
 
+#include "cardiolith/export.hpp"
+
 namespace cardiolith {
 
 // Where the shared container (every process of the app family) and the private documents folders are.
-struct StorageLocations {
+struct CARDIOLITH_EXPORT StorageLocations {
   std::optional<std::filesystem::path> sharedContainer;    // absent: the process has no access
   std::vector<std::filesystem::path> documentDirectories;  // the first one is used; may be empty
 
@@ -15,7 +17,7 @@ struct StorageLocations {
   // else $HOME/.local/share/group.cardiolith, created with its parents (absent when that fails); the
   // documents folder is $CARDIOLITH_DOCUMENTS_DIR, else $XDG_DATA_HOME/cardiolith, else
   // $HOME/.local/share/cardiolith, never created. Never the user's own ~/Documents.
-  static StorageLocations current();
+  [[nodiscard]] static StorageLocations current();
 };
 
 }  // namespace cardiolith

@@ -4,21 +4,23 @@
 #include <string>
 #include <string_view>
 
+#include "cardiolith/export.hpp"
+
 // Text comparison under Unicode canonical equivalence (NFC), with a byte-only fast path for ASCII.
 namespace cardiolith::text {
 
-bool isASCII(std::string_view text) noexcept;
-bool isValidUTF8(std::string_view text) noexcept;
+[[nodiscard]] CARDIOLITH_EXPORT bool isASCII(std::string_view text) noexcept;
+[[nodiscard]] CARDIOLITH_EXPORT bool isValidUTF8(std::string_view text) noexcept;
 
 // The NFC form of UTF-8 text. ASCII text is returned unchanged without consulting ICU. Invalid UTF-8
 // sequences are replaced by U+FFFD.
-std::string canonical(std::string_view text);
+[[nodiscard]] CARDIOLITH_EXPORT std::string canonical(std::string_view text);
 
 // True when the two texts are canonically equivalent.
-bool canonicallyEqual(std::string_view a, std::string_view b);
+[[nodiscard]] CARDIOLITH_EXPORT bool canonicallyEqual(std::string_view a, std::string_view b);
 
 // A hash that agrees with canonicallyEqual.
-std::size_t canonicalHash(std::string_view text);
+[[nodiscard]] CARDIOLITH_EXPORT std::size_t canonicalHash(std::string_view text);
 
 // `text` with every occurrence of `target` replaced by `replacement`, in one left-to-right pass, matches
 // not overlapping and replaced text not searched again, case-sensitive. Occurrences are found under
@@ -26,11 +28,11 @@ std::size_t canonicalHash(std::string_view text);
 // ends between whole characters with their combining marks, so "e" does not match inside "e" + U+0301.
 // An empty target matches nothing. When either text is not valid UTF-8 the bytes are matched as they are.
 // An ASCII target is searched byte for byte, consulting ICU only about the non-ASCII characters of the text.
-std::string replacingOccurrences(std::string_view text, std::string_view target,
+[[nodiscard]] CARDIOLITH_EXPORT std::string replacingOccurrences(std::string_view text, std::string_view target,
                                  std::string_view replacement);
 
 // Orders texts by Unicode scalar values of their NFC forms (upper-case ASCII before lower case).
 // Negative, zero or positive like strcmp.
-int canonicalCompare(std::string_view a, std::string_view b);
+[[nodiscard]] CARDIOLITH_EXPORT int canonicalCompare(std::string_view a, std::string_view b);
 
 }  // namespace cardiolith::text

@@ -9,10 +9,12 @@
 #include <string>
 #include <string_view>
 
+#include "cardiolith/export.hpp"
+
 namespace cardiolith {
 
 // A 128-bit universally unique identifier, held as its 16 bytes in network order.
-class UUID {
+class CARDIOLITH_EXPORT UUID {
  public:
   using Bytes = std::array<std::uint8_t, 16>;
 
@@ -20,12 +22,12 @@ class UUID {
   constexpr explicit UUID(const Bytes& bytes) : bytes_(bytes) {}
 
   // A version-4 UUID (RFC 4122 variant) from the system random source.
-  static UUID random();
+  [[nodiscard]] static UUID random();
   // Accepts exactly the 36-character 8-4-4-4-12 form with hex digits of either case.
-  static std::optional<UUID> parse(std::string_view text) noexcept;
+  [[nodiscard]] static std::optional<UUID> parse(std::string_view text) noexcept;
 
   // The canonical 36-character text with upper-case digits.
-  std::string uuidString() const;
+  [[nodiscard]] std::string uuidString() const;
   // Writes the canonical text into out[0..36); for writers that avoid allocating.
   void writeUuidString(char* out) const noexcept;
 
@@ -41,6 +43,6 @@ class UUID {
 }  // namespace cardiolith
 
 template <>
-struct std::hash<cardiolith::UUID> {
+struct CARDIOLITH_EXPORT std::hash<cardiolith::UUID> {
   std::size_t operator()(const cardiolith::UUID& uuid) const noexcept;
 };

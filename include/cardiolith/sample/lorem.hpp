@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/sample/ranges.hpp"
 
 namespace cardiolith {
@@ -16,22 +17,22 @@ namespace cardiolith {
 // drawn, too large for the text to fit in one std::string even with the shortest pieces (within the
 // string's maximum size and the machine's memory, RAM and swap together) throws std::length_error, naming
 // the operation and the count, before anything is built.
-struct Lorem {
-  static std::string word();
-  static std::string words(std::int64_t count);
-  static std::string words(HalfOpenRange range);
-  static std::string words(ClosedRange range);
+struct CARDIOLITH_EXPORT Lorem {
+  [[nodiscard]] static std::string word();
+  [[nodiscard]] static std::string words(std::int64_t count);
+  [[nodiscard]] static std::string words(HalfOpenRange range);
+  [[nodiscard]] static std::string words(ClosedRange range);
   // A capitalised run of 4 to 16 words ending in ".".
-  static std::string sentence();
-  static std::string sentences(std::int64_t count);
-  static std::string sentences(HalfOpenRange range);
-  static std::string sentences(ClosedRange range);
+  [[nodiscard]] static std::string sentence();
+  [[nodiscard]] static std::string sentences(std::int64_t count);
+  [[nodiscard]] static std::string sentences(HalfOpenRange range);
+  [[nodiscard]] static std::string sentences(ClosedRange range);
   // 3 to 9 sentences joined by single spaces.
-  static std::string paragraph();
+  [[nodiscard]] static std::string paragraph();
   // Paragraphs joined by a blank line.
-  static std::string paragraphs(std::int64_t count);
-  static std::string paragraphs(HalfOpenRange range);
-  static std::string paragraphs(ClosedRange range);
+  [[nodiscard]] static std::string paragraphs(std::int64_t count);
+  [[nodiscard]] static std::string paragraphs(HalfOpenRange range);
+  [[nodiscard]] static std::string paragraphs(ClosedRange range);
 };
 
 }  // namespace cardiolith

@@ -4,6 +4,7 @@
 #include <future>
 #include <memory>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/model/readings.hpp"
 #include "cardiolith/platform/storage_locations.hpp"
 #include "cardiolith/storage/storage_options.hpp"
@@ -15,7 +16,7 @@ namespace cardiolith {
 // "DELETE_ALL_RECORDS", removes the file. Operations run one at a time, in call order, on the store's own
 // serial executor; nothing is cached between them. Separate stores share the file without a lock.
 // Destroying a store waits for the operations already submitted.
-class ReadingsStore {
+class CARDIOLITH_EXPORT ReadingsStore {
  public:
   // Stops the process with "Can't find documents directory" when either folder is missing.
   ReadingsStore();
@@ -25,14 +26,14 @@ class ReadingsStore {
   ReadingsStore& operator=(const ReadingsStore&) = delete;
 
   // The stored document, or an empty one (logged) when the file can't be read or decoded. Never fails.
-  std::future<Readings> load();
+  [[nodiscard]] std::future<Readings> load();
   // Like load(), but a file that exists and can't be read or decoded is an error (DecodingError or
   // std::filesystem::filesystem_error) instead of an empty document; a missing file is an empty document.
   // For writers that must not replace a document they could not read.
-  std::future<Readings> loadExisting();
+  [[nodiscard]] std::future<Readings> loadExisting();
   // Replaces the file's whole content. EncodingError (the file untouched) or filesystem_error. The
   // readings are encoded on the store's executor: don't change their healthKitID until the future is ready.
-  std::future<void> save(Readings readings);
+  [[nodiscard]] std::future<void> save(Readings readings);
 
   // The file that load() reads and save() writes.
   const std::filesystem::path& localDataPath() const;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cardiolith/export.hpp"
 #include "cardiolith/model/tag.hpp"
 #include "cardiolith/platform/observable.hpp"
 #include "cardiolith/platform/storage_locations.hpp"
@@ -20,7 +21,7 @@ namespace cardiolith {
 // Threads: every member may be called from any thread. The list and the index are guarded by the manager;
 // change notifications fire on the thread that makes the change (the loaded list's on a background
 // thread), outside the lock that guards the list, so a subscriber may call back into the manager, change
-// the list included. Changes are made one at a time, and observers hear of them in that order. The two
+// the list included. Changes are made one at a time, and observers hear of them in that order. The three
 // wait functions must not be called from a notification callback (from the initial load's they throw
 // std::logic_error rather than wait for themselves).
 //
@@ -32,7 +33,7 @@ namespace cardiolith {
 // save waits for the load.
 //
 // Destruction waits for the initial load and for every save.
-class TagsManager : public ObservableObject {
+class CARDIOLITH_EXPORT TagsManager : public ObservableObject {
  public:
   // Stops the process with "Can't find documents directory" when the shared container is missing.
   TagsManager();
@@ -41,17 +42,17 @@ class TagsManager : public ObservableObject {
 
   // The current list. Until the initial load has been applied it holds only the changes made meanwhile
   // (usually nothing).
-  std::vector<Tag> tags() const;
+  [[nodiscard]] std::vector<Tag> tags() const;
   // The list after each change (each step of insert and update separately, also a step that changes
   // nothing); a new subscriber receives the current list inside subscribe().
   Publisher<std::vector<Tag>>& tagsPublisher();
 
   // The last tag in list order with this id.
-  std::optional<Tag> tag(const UUID& id) const;
+  [[nodiscard]] std::optional<Tag> tag(const UUID& id) const;
   // The known tags of these ids, sorted by title ascending (stable); unknown ids are skipped.
-  std::vector<Tag> tags(const std::set<UUID>& ids) const;
+  [[nodiscard]] std::vector<Tag> tags(const std::set<UUID>& ids) const;
   // The titles of tags(ids) as one list text in the current locale.
-  std::optional<std::string> formattedListString(const std::set<UUID>& ids) const;
+  [[nodiscard]] std::optional<std::string> formattedListString(const std::set<UUID>& ids) const;
 
   // Removes every tag with the same id or a canonically equal title, appends the tag and sorts the list by
   // title ascending.
@@ -65,6 +66,14 @@ class TagsManager : public ObservableObject {
   void waitUntilLoaded() const;
   // Blocks until every save started before the call has finished (a failure already logged).
   void waitForPendingSaves() const;
+  // Like waitForPendingSaves(), then rethrows the error of the latest save that failed since the previous
+  // call (EncodingError or std::filesystem::filesystem_error; it was logged as "Failed to save tags ..."
+  // too), so that a caller learns of it without reading the log. Each failure is reported once.
+  void finishPendingSaves() const;
+  // Whether the initial load found a tags file it could not read or decode and so started from the default
+  // tags (logged as "Unable to load tags: ..."); a change would then replace that file. A missing file is
+  // the normal first start, not a failure. False until the load has been applied (see waitUntilLoaded()).
+  [[nodiscard]] bool loadFailed() const;
 
  private:
   struct Impl;

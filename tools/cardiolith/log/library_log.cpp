@@ -11,7 +11,6 @@ namespace {
 struct LogState {
   std::mutex mutex;
   std::vector<std::string> mutedPrefixes;
-  std::vector<std::string> errors;
 };
 
 LogState& state() {
@@ -27,7 +26,6 @@ void handle(const LogRecord& record) {
   if (record.level == LogLevel::debug || record.level == LogLevel::info) return;
   auto& log = state();
   std::lock_guard lock(log.mutex);
-  log.errors.emplace_back(record.message);
   for (const auto& prefix : log.mutedPrefixes) {
     if (startsWith(record.message, prefix)) return;
   }
@@ -42,15 +40,6 @@ void LibraryLog::mute(std::string prefix) {
   auto& log = state();
   std::lock_guard lock(log.mutex);
   log.mutedPrefixes.push_back(std::move(prefix));
-}
-
-bool LibraryLog::hasLogged(std::string_view prefix) {
-  auto& log = state();
-  std::lock_guard lock(log.mutex);
-  for (const auto& message : log.errors) {
-    if (startsWith(message, prefix)) return true;
-  }
-  return false;
 }
 
 }  // namespace cardiolith::tool

@@ -6,17 +6,15 @@
 namespace cardiolith::tool {
 
 // Routes the library's diagnostic log: error-level messages and worse go to standard error as
-// "cardiolith: <message>", debug and info messages are dropped. Commands use it to hear of failures the
-// library only logs (a failed tag save) and to silence a message that is expected (no tags file yet).
+// "cardiolith: <message>", debug and info messages are dropped. Commands use it to silence a message that
+// is expected (no tags file yet).
 // The handler may run on the library's background threads.
 class LibraryLog {
  public:
   // Installs the handler for the rest of the process.
   static void install();
-  // Error messages that begin with `prefix` are recorded but not printed.
+  // Error messages that begin with `prefix` are not printed.
   static void mute(std::string prefix);
-  // Whether an error message beginning with `prefix` has been logged since install().
-  static bool hasLogged(std::string_view prefix);
 };
 
 }  // namespace cardiolith::tool

@@ -10,16 +10,12 @@
 namespace cardiolith::tool {
 namespace {
 
-constexpr std::string_view loadFailure = "Unable to load tags";
-constexpr std::string_view saveFailure = "Failed to save tags";
-
-bool existsMutingFirstUse(const std::filesystem::path& file) {
+std::filesystem::path mutingFirstUse(std::filesystem::path file) {
   std::error_code error;
-  const bool exists = std::filesystem::exists(file, error);
   // Before the first tag change there is no tags file and the library falls back on the default tags;
   // that is the normal start, not something to warn about.
-  if (!exists) LibraryLog::mute(std::string(loadFailure));
-  return exists;
+  if (!std::filesystem::exists(file, error)) LibraryLog::mute("Unable to load tags");
+  return file;
 }
 
 std::string caseFolded(std::string_view title) {
@@ -32,9 +28,7 @@ std::string caseFolded(std::string_view title) {
 }  // namespace
 
 TagList::TagList(const DataFolder& folder)
-    : file_(folder.tagsFile()),
-      fileExisted_(existsMutingFirstUse(file_)),
-      manager_(folder.locations(), StorageOptions{.durable = true}) {
+    : file_(mutingFirstUse(folder.tagsFile())), manager_(folder.locations(), StorageOptions{.durable = true}) {
   manager_.waitUntilLoaded();
 }
 
@@ -74,15 +68,17 @@ std::vector<std::string> TagList::titles(const std::optional<std::set<UUID>>& id
 }
 
 void TagList::requireReadable() const {
-  if (fileExisted_ && LibraryLog::hasLogged(loadFailure)) {
+  if (manager_.loadFailed()) {
     throw ToolError("can't read the tags file " + file_.string() +
                     "; nothing was changed. Move it aside (or restore it from a backup) to change the tags.");
   }
 }
 
 void TagList::finishSaving() {
-  manager_.waitForPendingSaves();
-  if (LibraryLog::hasLogged(saveFailure)) {
+  try {
+    manager_.finishPendingSaves();
+  } catch (const std::exception&) {
+    // The library has logged the reason already; it is printed above this line.
     throw ToolError("the tags could not be saved to " + file_.string() + " (see the message above)");
   }
 }

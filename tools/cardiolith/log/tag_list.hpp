@@ -38,7 +38,6 @@ class TagList {
 
  private:
   std::filesystem::path file_;
-  bool fileExisted_;
   TagsManager manager_;
 };
 

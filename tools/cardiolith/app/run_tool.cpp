@@ -41,6 +41,7 @@ int parseAndRun(int argc, char** argv) {
   addSampleCommand(app, global);
   addChartCommand(app, global);
   addReportCommand(app, global);
+  addServeCommand(app, global);
 
   try {
     app.parse(argc, argv);

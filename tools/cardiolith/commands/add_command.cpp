@@ -1,20 +1,15 @@
-#include <cardiolith/analysis/plausibility.hpp>
 #include <cardiolith/platform/date.hpp>
-#include <cardiolith/platform/text.hpp>
-#include <cardiolith/platform/uuid.hpp>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
+#include "commands/add_reading.hpp"
 #include "commands/commands.hpp"
 #include "input/date_input.hpp"
 #include "input/pressure_input.hpp"
 #include "log/data_folder.hpp"
-#include "log/tag_list.hpp"
 #include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
@@ -30,9 +25,6 @@ struct AddOptions {
   bool force = false;
 };
 
-// A reading dated this far ahead of the clock is a typing slip, not a clock difference.
-constexpr double futureTolerance = 5 * 60;
-
 std::int64_t chosenPulse(const PressureInput& input, const AddOptions& options) {
   if (input.pulse && options.pulse && *input.pulse != *options.pulse) {
     throw ToolError("the pulse is given twice, as " + std::to_string(*input.pulse) + " and --pulse " +
@@ -46,50 +38,25 @@ std::int64_t chosenPulse(const PressureInput& input, const AddOptions& options) 
       options.values + " --pulse 71");
 }
 
-void refuseImplausible(const PressureInput& input, std::int64_t pulse, Date date, Date now) {
-  auto problems = implausibilities(input.systolic, input.diastolic, pulse);
-  if (date > now.addingTimeInterval(futureTolerance)) {
-    problems.push_back("the date " + displayDateFormatter().string(date) + " is in the future");
-  }
-  if (problems.empty()) return;
-  throw ToolError("not added: " + joined(problems, "; ") +
-                  ".\nCheck the reading, or add --force to keep it exactly as typed.");
-}
-
 void runAdd(const AddOptions& options, const GlobalOptions& global) {
   const auto input = parsePressure(options.values, true);
-  const std::int64_t pulse = chosenPulse(input, options);
-  const Date now = Date::now();
-  const Date date = options.at ? parseDateTime(*options.at, "--at") : now;
-  if (!options.force) refuseImplausible(input, pulse, date, now);
-  if (options.note && !text::isValidUTF8(*options.note))
-    throw ToolError("--note: the text is not valid UTF-8");
+  NewReading request;
+  request.systolic = input.systolic;
+  request.diastolic = input.diastolic;
+  request.pulse = chosenPulse(input, options);
+  if (options.at) request.date = parseDateTime(*options.at, "--at");
+  request.note = options.note;
+  request.tags = options.tags;
+  request.force = options.force;
 
   const DataFolder folder(global);
-  std::optional<TagList> tagList;
-  std::optional<std::set<UUID>> tagIDs;
-  if (!options.tags.empty()) {
-    tagList.emplace(folder);
-    tagIDs.emplace();
-    for (const auto& title : options.tags) tagIDs->insert(tagList->find(title).id);
-  }
-
-  auto reading = std::make_shared<Reading>(UUID::random().uuidString(), date, input.systolic, input.diastolic,
-                                           pulse, options.note, std::nullopt, tagIDs);
-  // Composed before taking the lock, which concurrent adds wait for: the first date formatting loads the
-  // locale data.
-  std::string report =
-      "Added " + displayDateFormatter().string(date) + "  " + describeValues(*reading) + "\n";
-  if (tagList) report += "  Tags: " + joined(tagList->titles(reading->tagIDs()), ", ") + "\n";
-  if (reading->notes()) report += "  Note: " + singleLine(*reading->notes()) + "\n";
-
-  {
-    ReadingsLog log(folder, ReadingsLog::Access::change);
-    if (!std::filesystem::exists(log.file())) report += "Started a new log in " + log.file().string() + "\n";
-    log.readings().push_back(reading);
-    log.save();
-  }
-  std::cout << report;
+  const AddedReading added = addReading(folder, request);
+  const Reading& reading = *added.reading;
+  std::cout << "Added " << displayDateFormatter().string(reading.date()) << "  " << describeValues(reading)
+            << "\n";
+  if (!added.tagTitles.empty()) std::cout << "  Tags: " << joined(added.tagTitles, ", ") << "\n";
+  if (reading.notes()) std::cout << "  Note: " << singleLine(*reading.notes()) << "\n";
+  if (added.newLogFile) std::cout << "Started a new log in " << added.newLogFile->string() << "\n";
 }
 
 }  // namespace

@@ -17,5 +17,6 @@ void addTagsCommand(CLI::App& app, const GlobalOptions& global);
 void addSampleCommand(CLI::App& app, const GlobalOptions& global);
 void addChartCommand(CLI::App& app, const GlobalOptions& global);
 void addReportCommand(CLI::App& app, const GlobalOptions& global);
+void addServeCommand(CLI::App& app, const GlobalOptions& global);
 
 }  // namespace cardiolith::tool

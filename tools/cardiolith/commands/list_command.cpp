@@ -13,7 +13,7 @@
 #include "log/data_folder.hpp"
 #include "log/tag_list.hpp"
 #include "render/category_text.hpp"
-#include "render/json_writer.hpp"
+#include "render/log_json.hpp"
 #include "render/reading_text.hpp"
 #include "render/text_table.hpp"
 
@@ -45,27 +45,6 @@ BloodPressureAnalysis categoryOf(const Reading& reading) {
   return BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic());
 }
 
-void printJson(const ReadingList& readings, const TagList& tags) {
-  JsonWriter json(std::cout);
-  json.beginObject().key("readings").beginArray();
-  for (const auto& reading : readings) {
-    json.beginObject();
-    json.key("id").string(reading->id());
-    json.key("date").string(isoDateFormatter().string(reading->date()));
-    json.key("systolic").integer(reading->systolic());
-    json.key("diastolic").integer(reading->diastolic());
-    json.key("pulse").integer(reading->pulse());
-    json.key("category").string(categoryKey(categoryOf(*reading)));
-    json.key("tags").beginArray();
-    for (const auto& title : tags.titles(reading->tagIDs())) json.string(title);
-    json.endArray();
-    json.key("notes").stringOrNull(reading->notes());
-    json.endObject();
-  }
-  json.endArray().endObject();
-  std::cout << '\n';
-}
-
 void printTable(const ReadingList& readings, const TagList& tags) {
   using Align = TextTable::Align;
   TextTable table({{"Date"},
@@ -93,7 +72,11 @@ void runList(const ListOptions& options, const GlobalOptions& global) {
   std::stable_sort(selection.begin(), selection.end(),
                    [](const auto& a, const auto& b) { return a->date() > b->date(); });
 
-  if (options.json) return printJson(selection, tags);
+  if (options.json) {
+    writeReadingsJson(std::cout, selection, tags);
+    std::cout << '\n';
+    return;
+  }
   if (log.readings().empty()) {
     std::cout << "The log is empty. Add a reading with:\n  cardiolith add 128/82 --pulse 71\n";
   } else if (selection.empty()) {

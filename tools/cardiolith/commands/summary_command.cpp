@@ -12,7 +12,7 @@
 #include "input/date_input.hpp"
 #include "log/data_folder.hpp"
 #include "render/category_text.hpp"
-#include "render/json_writer.hpp"
+#include "render/log_json.hpp"
 #include "render/reading_text.hpp"
 #include "render/text_table.hpp"
 
@@ -64,42 +64,6 @@ std::string changeCell(std::optional<float> change) {
   return arrow + formatted("%+.1f%%", value);
 }
 
-void printJson(const ReadingsSummary& summary, const Period& period, std::size_t readingCount) {
-  JsonWriter json(std::cout);
-  const auto writeAverage = [&](const std::optional<ReadingsSummary::AverageReading>& average) {
-    if (!average) {
-      json.null();
-      return;
-    }
-    json.beginObject();
-    json.key("systolic").number(average->systolic());
-    json.key("diastolic").number(average->diastolic());
-    json.key("pulse").number(average->pulse());
-    json.endObject();
-  };
-  json.beginObject();
-  json.key("start").string(isoDateFormatter().string(period.start));
-  json.key("end").string(isoDateFormatter().string(period.end));
-  json.key("readings").integer(static_cast<std::int64_t>(readingCount));
-  json.key("current");
-  writeAverage(summary.currentPeriodAverage());
-  json.key("previous");
-  writeAverage(summary.previousPreviousAverage());
-  json.key("change").beginObject();
-  json.key("systolic").numberOrNull(summary.systolicChange());
-  json.key("diastolic").numberOrNull(summary.diastolicChange());
-  json.key("pulse").numberOrNull(summary.pulseChange());
-  json.endObject();
-  const auto category = summary.currentPeriodAverageAnalysis();
-  if (category) {
-    json.key("category").string(categoryKey(*category));
-  } else {
-    json.key("category").null();
-  }
-  json.endObject();
-  std::cout << '\n';
-}
-
 void printText(const ReadingsSummary& summary, const Period& period, std::size_t readingCount) {
   std::cout << period.name << " (" << displayDateFormatter().string(period.start) << " to "
             << displayDateFormatter().string(period.end) << "): " << readingCount
@@ -136,7 +100,11 @@ void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
   const auto summary = ReadingsSummarizer::summarise(readings, period.start, period.end);
   const std::size_t readingCount = filtered(readings, period.start, period.end).size();
 
-  if (options.json) return printJson(summary, period, readingCount);
+  if (options.json) {
+    writeSummaryJson(std::cout, summary, period.start, period.end, readingCount);
+    std::cout << '\n';
+    return;
+  }
   if (readings.empty()) {
     std::cout << "The log is empty, so there is nothing to summarise yet. Add a reading with:\n"
                  "  cardiolith add 128/82 --pulse 71\n";

@@ -1,0 +1,198 @@
+#include "serve/routes.hpp"
+
+#include <algorithm>
+#include <cardiolith/analysis/readings_summary.hpp>
+#include <limits>
+#include <optional>
+#include <sstream>
+
+#include "commands/add_reading.hpp"
+#include "input/date_input.hpp"
+#include "log/tag_list.hpp"
+#include "render/json_writer.hpp"
+#include "render/log_json.hpp"
+#include "serve/reading_request.hpp"
+#include "serve/request_guard.hpp"
+#include "serve/web_assets.hpp"
+#include "tool_error.hpp"
+
+namespace cardiolith::tool::serve {
+namespace {
+
+constexpr const char* jsonType = "application/json; charset=utf-8";
+constexpr const char* tokenHeader = "X-Cardiolith-Token";
+constexpr std::string_view tokenPlaceholder = "{{TOKEN}}";
+
+std::optional<std::string_view> header(const httplib::Request& request, const char* name) {
+  if (!request.has_header(name)) return std::nullopt;
+  const auto& headers = request.headers;
+  return std::string_view(headers.find(name)->second);
+}
+
+std::string errorJson(std::string_view message) {
+  std::ostringstream out;
+  JsonWriter(out).beginObject().key("error").string(message).endObject();
+  return out.str();
+}
+
+void answerError(httplib::Response& response, int status, std::string_view message) {
+  response.status = status;
+  response.set_content(errorJson(message), jsonType);
+}
+
+void setSecurityHeaders(httplib::Response& response) {
+  response.set_header("Content-Security-Policy",
+                      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
+                      "connect-src 'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
+  response.set_header("X-Content-Type-Options", "nosniff");
+  response.set_header("Referrer-Policy", "no-referrer");
+}
+
+std::optional<std::string> parameter(const httplib::Request& request, const char* name) {
+  if (!request.has_param(name)) return std::nullopt;
+  return request.get_param_value(name);
+}
+
+// The period of a query: from/to as `list --from/--to` read them, or last=7d; no parameters: everything.
+std::pair<Date, Date> periodOf(const httplib::Request& request) {
+  Date from{-std::numeric_limits<double>::infinity()};
+  Date to{std::numeric_limits<double>::infinity()};
+  if (const auto last = parameter(request, "last"))
+    from = Date::now().addingDays(-parseSpanDays(*last, "last"));
+  if (const auto start = parameter(request, "from")) from = parseDateTime(*start, "from");
+  if (const auto end = parameter(request, "to")) to = parseRangeEnd(*end, "to");
+  requireOrdered(from, to);
+  return {from, to};
+}
+
+void listReadings(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
+  const auto [from, to] = periodOf(request);
+  const TagList tags(context.folder);
+  ReadingsLog log(context.folder, ReadingsLog::Access::read);
+  auto selection = filtered(log.readings(), from, to);
+  std::stable_sort(selection.begin(), selection.end(),
+                   [](const auto& a, const auto& b) { return a->date() > b->date(); });
+  std::ostringstream out;
+  writeReadingsJson(out, selection, tags);
+  response.set_content(out.str(), jsonType);
+}
+
+// The summary of the last `days` days (default 7), or of from/to, against the period before.
+void summarise(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
+  const Date now = Date::now();
+  Date start = now.addingDays(-parseSpanDays(parameter(request, "days").value_or("7"), "days"));
+  Date end = now;
+  if (const auto from = parameter(request, "from")) {
+    start = parseDateTime(*from, "from");
+    if (const auto to = parameter(request, "to")) end = parseRangeEnd(*to, "to");
+    requireOrdered(start, end);
+  }
+  ReadingsLog log(context.folder, ReadingsLog::Access::read);
+  const auto summary = ReadingsSummarizer::summarise(log.readings(), start, end);
+  std::ostringstream out;
+  writeSummaryJson(out, summary, start, end, filtered(log.readings(), start, end).size());
+  response.set_content(out.str(), jsonType);
+}
+
+void listTags(const ServeContext& context, httplib::Response& response) {
+  const TagList tags(context.folder);
+  std::ostringstream out;
+  JsonWriter json(out);
+  json.beginObject().key("tags").beginArray();
+  for (const auto& tag : tags.manager().tags()) json.string(tag.title);
+  json.endArray().endObject();
+  response.set_content(out.str(), jsonType);
+}
+
+void addFromBody(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
+  const AddedReading added = addReading(context.folder, parseNewReading(request.body));
+  const TagList tags(context.folder);
+  std::ostringstream out;
+  writeReadingsJson(out, {added.reading}, tags);
+  response.status = 201;
+  response.set_content(out.str(), jsonType);
+}
+
+// Runs an API handler under the log's mutex, with answers never cached, and turns the refusals of the
+// shared command code into 4xx answers carrying its message.
+template <typename Handler>
+httplib::Server::Handler api(ServeContext& context, Handler handler) {
+  return [&context, handler](const httplib::Request& request, httplib::Response& response) {
+    response.set_header("Cache-Control", "no-store");
+    try {
+      const std::lock_guard hold(context.logAccess);
+      handler(request, response);
+    } catch (const MalformedRequest& error) {
+      answerError(response, 400, error.what());
+    } catch (const ToolError& error) {
+      answerError(response, 422, error.what());
+    }
+  };
+}
+
+void serveAsset(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
+  const auto asset = findWebAsset(request.path);
+  if (!asset) return answerError(response, 404, "no such page: " + request.path);
+  std::string body(asset->body);
+  if (const auto at = body.find(tokenPlaceholder); at != std::string::npos) {
+    body.replace(at, tokenPlaceholder.size(), context.token);
+    response.set_header("Cache-Control", "no-store");
+  }
+  response.set_content(body, std::string(asset->contentType));
+}
+
+}  // namespace
+
+void installRoutes(httplib::Server& server, ServeContext& context) {
+  server.set_payload_max_length(maxBodyBytes);
+  server.set_pre_routing_handler([&context](const httplib::Request& request, httplib::Response& response) {
+    setSecurityHeaders(response);
+    const RequestFacts facts{request.method, header(request, "Host"), header(request, "Origin"),
+                             header(request, tokenHeader)};
+    if (const auto refusal = refusalOf(facts, context.port, context.token)) {
+      answerError(response, refusal->status, refusal->message);
+      return httplib::Server::HandlerResponse::Handled;
+    }
+    return httplib::Server::HandlerResponse::Unhandled;
+  });
+  server.set_error_handler([](const httplib::Request& request, httplib::Response& response) {
+    if (!response.body.empty()) return;
+    setSecurityHeaders(response);
+    const std::string message = response.status == 404 ? "no such page or API: " + request.path
+                                : response.status == 405
+                                    ? request.method + " is not allowed on " + request.path
+                                : response.status == 413 ? "the request body is too large"
+                                                         : "the request could not be read";
+    answerError(response, response.status, message);
+  });
+  server.set_exception_handler(
+      [](const httplib::Request&, httplib::Response& response, std::exception_ptr error) {
+        std::string message = "unexpected error";
+        try {
+          if (error) std::rethrow_exception(error);
+        } catch (const std::exception& caught) {
+          message += ": " + std::string(caught.what());
+        } catch (...) {
+        }
+        answerError(response, 500, message);
+      });
+
+  server.Get("/api/readings", api(context, [&context](const auto& request, auto& response) {
+               listReadings(context, request, response);
+             }));
+  server.Post("/api/readings", api(context, [&context](const auto& request, auto& response) {
+                addFromBody(context, request, response);
+              }));
+  server.Get("/api/summary", api(context, [&context](const auto& request, auto& response) {
+               summarise(context, request, response);
+             }));
+  server.Get("/api/tags",
+             api(context, [&context](const auto&, auto& response) { listTags(context, response); }));
+  for (const char* path : {"/", "/app.js", "/style.css"}) {
+    server.Get(path, [&context](const httplib::Request& request, httplib::Response& response) {
+      serveAsset(context, request, response);
+    });
+  }
+}
+
+}  // namespace cardiolith::tool::serve

@@ -1,0 +1,169 @@
+// The log's page: reads and changes the log through the server's JSON API. Every text that comes from the
+// log is put into the page with textContent, never as HTML, so a note can't run script.
+"use strict";
+
+const token = document.querySelector('meta[name="cardiolith-token"]').content;
+
+const categoryNames = {
+  low: "Low",
+  normal: "Normal",
+  elevated: "Elevated",
+  high: "High",
+  veryHigh: "Very high",
+  unreadable: "Unreadable",
+};
+
+async function api(path, options = {}) {
+  const headers = { "X-Cardiolith-Token": token };
+  if (options.body) headers["Content-Type"] = "application/json";
+  const response = await fetch(path, { ...options, headers, cache: "no-store" });
+  const body = await response.json().catch(() => ({ error: "the server's answer could not be read" }));
+  if (!response.ok) throw new Error(body.error || `the server answered ${response.status}`);
+  return body;
+}
+
+function element(tag, text, className) {
+  const node = document.createElement(tag);
+  if (text !== undefined) node.textContent = text;
+  if (className) node.className = className;
+  return node;
+}
+
+function localDateTime(date) {
+  const pad = (n) => String(n).padStart(2, "0");
+  return `${date.getFullYear()}-${pad(date.getMonth() + 1)}-${pad(date.getDate())}T${pad(date.getHours())}:${pad(date.getMinutes())}`;
+}
+
+function shownDate(iso) {
+  return localDateTime(new Date(iso)).replace("T", " ");
+}
+
+function periodQuery() {
+  const form = document.getElementById("period-form");
+  const period = form.period.value;
+  if (period === "all") return "";
+  if (period === "range") {
+    const parts = [];
+    if (form.from.value) parts.push(`from=${encodeURIComponent(form.from.value)}`);
+    if (form.to.value) parts.push(`to=${encodeURIComponent(form.to.value)}`);
+    return parts.join("&");
+  }
+  return `last=${period}d`;
+}
+
+function summaryQuery() {
+  const form = document.getElementById("period-form");
+  const period = form.period.value;
+  if (period === "range" && form.from.value) {
+    return `from=${encodeURIComponent(form.from.value)}` + (form.to.value ? `&to=${encodeURIComponent(form.to.value)}` : "");
+  }
+  return `days=${period === "30" ? 30 : 7}`;
+}
+
+function renderReadings(readings) {
+  const body = document.querySelector("#reading-table tbody");
+  body.replaceChildren();
+  for (const reading of readings) {
+    const row = document.createElement("tr");
+    row.dataset.id = reading.id;
+    row.append(element("td", shownDate(reading.date)));
+    row.append(element("td", `${reading.systolic}/${reading.diastolic}`, "number"));
+    row.append(element("td", String(reading.pulse), "number"));
+    const category = element("td");
+    category.append(element("span", categoryNames[reading.category] || reading.category, `category ${reading.category}`));
+    row.append(category);
+    row.append(element("td", reading.tags.join(", ")));
+    row.append(element("td", reading.notes || "", "note"));
+    body.append(row);
+  }
+}
+
+function oneDecimal(value) {
+  return value === null || value === undefined ? "-" : value.toFixed(1);
+}
+
+function renderSummary(summary) {
+  const text = document.getElementById("summary-text");
+  if (!summary.current) {
+    text.textContent = "No readings in this period.";
+    return;
+  }
+  const c = summary.current;
+  let words = `${summary.readings} readings; average ${oneDecimal(c.systolic)}/${oneDecimal(c.diastolic)} mmHg, pulse ${oneDecimal(c.pulse)}`;
+  if (summary.previous) {
+    const ch = summary.change;
+    words += `; change from the period before: systolic ${oneDecimal(ch.systolic)}%, diastolic ${oneDecimal(ch.diastolic)}%`;
+  }
+  text.replaceChildren(document.createTextNode(words + ". Category of the average: "));
+  text.append(element("span", categoryNames[summary.category] || "-", `category ${summary.category}`));
+}
+
+async function refresh() {
+  const message = document.getElementById("list-message");
+  try {
+    const [list, summary] = await Promise.all([api(`/api/readings?${periodQuery()}`), api(`/api/summary?${summaryQuery()}`)]);
+    renderReadings(list.readings);
+    renderSummary(summary);
+    message.textContent = list.readings.length === 0 ? "No readings in this period." : "";
+  } catch (error) {
+    message.textContent = error.message;
+  }
+}
+
+async function loadTags() {
+  const fieldset = document.getElementById("tag-choices");
+  const { tags } = await api("/api/tags");
+  for (const title of tags) {
+    const label = element("label", undefined, "check");
+    const box = document.createElement("input");
+    box.type = "checkbox";
+    box.name = "tag";
+    box.value = title;
+    label.append(box, document.createTextNode(` ${title}`));
+    fieldset.append(label);
+  }
+}
+
+function wholeNumber(text) {
+  return /^\s*-?\d+\s*$/.test(text) ? Number(text) : text;
+}
+
+async function addReading(event) {
+  event.preventDefault();
+  const form = event.target;
+  const message = document.getElementById("add-message");
+  message.textContent = "";
+  const reading = {
+    systolic: wholeNumber(form.systolic.value),
+    diastolic: wholeNumber(form.diastolic.value),
+    pulse: wholeNumber(form.pulse.value),
+    at: form.at.value.replace("T", " "),
+    note: form.note.value,
+    tags: [...form.querySelectorAll('input[name="tag"]:checked')].map((box) => box.value),
+    force: form.force.checked,
+  };
+  try {
+    await api("/api/readings", { method: "POST", body: JSON.stringify(reading) });
+    form.reset();
+    form.at.value = localDateTime(new Date());
+    message.textContent = "Added.";
+    await refresh();
+  } catch (error) {
+    message.textContent = error.message;
+  }
+}
+
+document.addEventListener("DOMContentLoaded", () => {
+  const form = document.getElementById("add-form");
+  form.at.value = localDateTime(new Date());
+  form.addEventListener("submit", addReading);
+  document.getElementById("period-form").addEventListener("submit", (event) => {
+    event.preventDefault();
+    refresh();
+  });
+  document.getElementById("period-form").period.addEventListener("change", refresh);
+  loadTags().catch((error) => {
+    document.getElementById("add-message").textContent = error.message;
+  });
+  refresh();
+});

@@ -60,20 +60,27 @@ function summaryQuery() {
   return `days=${period === "30" ? 30 : 7}`;
 }
 
+// Each cell carries its column's name, which the narrow layout shows before the value.
+function cell(label, text, className) {
+  const node = element("td", text, className);
+  node.dataset.label = label;
+  return node;
+}
+
 function renderReadings(readings) {
   const body = document.querySelector("#reading-table tbody");
   body.replaceChildren();
   for (const reading of readings) {
     const row = document.createElement("tr");
     row.dataset.id = reading.id;
-    row.append(element("td", shownDate(reading.date)));
-    row.append(element("td", `${reading.systolic}/${reading.diastolic}`, "number"));
-    row.append(element("td", String(reading.pulse), "number"));
-    const category = element("td");
+    row.append(cell("Date", shownDate(reading.date)));
+    row.append(cell("Systolic/diastolic", `${reading.systolic}/${reading.diastolic}`, "number"));
+    row.append(cell("Pulse", String(reading.pulse), "number"));
+    const category = cell("Category");
     category.append(element("span", categoryNames[reading.category] || reading.category, `category ${reading.category}`));
     row.append(category);
-    row.append(element("td", reading.tags.join(", ")));
-    row.append(element("td", reading.notes || "", "note"));
+    row.append(cell("Tags", reading.tags.join(", ")));
+    row.append(cell("Note", reading.notes || "", "note"));
     body.append(row);
   }
 }
@@ -89,7 +96,7 @@ function renderSummary(summary) {
     return;
   }
   const c = summary.current;
-  let words = `${summary.readings} readings; average ${oneDecimal(c.systolic)}/${oneDecimal(c.diastolic)} mmHg, pulse ${oneDecimal(c.pulse)}`;
+  let words = `${summary.readings} ${summary.readings === 1 ? "reading" : "readings"}; average ${oneDecimal(c.systolic)}/${oneDecimal(c.diastolic)} mmHg, pulse ${oneDecimal(c.pulse)}`;
   if (summary.previous) {
     const ch = summary.change;
     words += `; change from the period before: systolic ${oneDecimal(ch.systolic)}%, diastolic ${oneDecimal(ch.diastolic)}%`;

@@ -1,0 +1,61 @@
+#include "serve/reading_request.hpp"
+
+#include <gtest/gtest.h>
+
+#include "tool_error.hpp"
+
+namespace cardiolith::tool::serve {
+namespace {
+
+TEST(ReadingRequestTest, ReadsEveryMember) {
+  const auto reading =
+      parseNewReading(R"({"systolic":128,"diastolic":82,"pulse":71,"at":"2026-11-20 07:45","note":"a <b>",)"
+                      R"("tags":["Morning","Sitting"],"force":true})");
+  EXPECT_EQ(reading.systolic, 128);
+  EXPECT_EQ(reading.diastolic, 82);
+  EXPECT_EQ(reading.pulse, 71);
+  ASSERT_TRUE(reading.date.has_value());
+  EXPECT_EQ(reading.note, "a <b>");
+  EXPECT_EQ(reading.tags, (std::vector<std::string>{"Morning", "Sitting"}));
+  EXPECT_TRUE(reading.force);
+}
+
+TEST(ReadingRequestTest, EmptyDateAndNoteMeanNowAndNone) {
+  const auto reading = parseNewReading(R"({"systolic":120,"diastolic":80,"pulse":60,"at":"","note":""})");
+  EXPECT_FALSE(reading.date.has_value());
+  EXPECT_FALSE(reading.note.has_value());
+}
+
+TEST(ReadingRequestTest, RefusesMalformedBodiesNamingTheMember) {
+  const struct {
+    const char* body;
+    const char* mentioned;
+  } cases[] = {
+      {"", "body"},
+      {"[1,2]", "body"},
+      {R"({"systolic":128,"diastolic":82,"pulse":71} x)", "body"},
+      {R"({"systolic":"128","diastolic":82,"pulse":71})", "systolic"},
+      {R"({"systolic":128.5,"diastolic":82,"pulse":71})", "systolic"},
+      {R"({"systolic":128,"diastolic":82})", "pulse"},
+      {R"({"systolic":128,"diastolic":82,"pulse":71,"tags":"Morning"})", "tags"},
+      {R"({"systolic":128,"diastolic":82,"pulse":71,"force":1})", "force"},
+      {R"({"systolic":128,"diastolic":82,"pulse":71,"notes":"x"})", "notes"},
+  };
+  for (const auto& c : cases) {
+    try {
+      (void)parseNewReading(c.body);
+      ADD_FAILURE() << "accepted " << c.body;
+    } catch (const MalformedRequest& error) {
+      EXPECT_NE(std::string(error.what()).find(c.mentioned), std::string::npos)
+          << c.body << ": " << error.what();
+    }
+  }
+}
+
+TEST(ReadingRequestTest, AMalformedDateIsTheToolsOwnRefusal) {
+  EXPECT_THROW((void)parseNewReading(R"({"systolic":1,"diastolic":1,"pulse":1,"at":"yesterday-ish"})"),
+               ToolError);
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::serve

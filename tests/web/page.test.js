@@ -5,32 +5,18 @@
 
 const { test, before, after } = require("node:test");
 const assert = require("node:assert");
-const { spawn, execFileSync } = require("node:child_process");
 const fs = require("node:fs");
 const os = require("node:os");
 const path = require("node:path");
 const puppeteer = require("puppeteer-core");
+const { startServer, rawRequest } = require("./server.js");
 
-const tool = process.env.CARDIOLITH;
 const shots = process.env.SHOTS;
-let server, browser, page, base, dataDir;
-
-function startServer() {
-  return new Promise((resolve, reject) => {
-    const child = spawn(tool, ["--data-dir", dataDir, "serve", "--port", "0"]);
-    let output = "";
-    child.stdout.on("data", (chunk) => {
-      output += chunk;
-      const found = output.match(/http:\/\/127\.0\.0\.1:(\d+)\//);
-      if (found) resolve({ child, base: found[0].slice(0, -1) });
-    });
-    child.on("exit", (code) => reject(new Error(`the server ended with ${code}: ${output}`)));
-  });
-}
+let server, browser, page, base;
 
 before(async () => {
-  dataDir = fs.mkdtempSync(path.join(os.tmpdir(), "cardiolith-web-"));
-  ({ child: server, base } = await startServer());
+  server = await startServer(process.env.CARDIOLITH);
+  base = server.base;
   browser = await puppeteer.launch({
     executablePath: "/usr/bin/chromium",
     headless: true,
@@ -49,7 +35,7 @@ before(async () => {
 
 after(async () => {
   if (browser) await browser.close();
-  if (server) server.kill("SIGTERM");
+  if (server) server.stop();
 });
 
 async function fieldByLabel(text) {
@@ -69,7 +55,7 @@ async function rowsText() {
 }
 
 function logOnDisk() {
-  return JSON.parse(execFileSync(tool, ["--data-dir", dataDir, "list", "--json"])).readings;
+  return server.readings();
 }
 
 test("a reading added through the labelled form shows in the list, note as text", async () => {
@@ -123,12 +109,8 @@ test("a form post from another origin and a foreign Host are refused", async () 
     body: JSON.stringify({ systolic: 120, diastolic: 80, pulse: 60 }),
   });
   assert.strictEqual(forged.status, 403);
-  const rebound = await new Promise((resolve, reject) => {
-    require("node:http")
-      .get({ host: "127.0.0.1", port, path: "/api/readings", headers: { Host: `attacker.example:${port}` } }, resolve)
-      .on("error", reject);
-  });
-  assert.strictEqual(rebound.statusCode, 403);
+  const rebound = await rawRequest(server.port, { path: "/api/readings", headers: { Host: `attacker.example:${port}` } });
+  assert.strictEqual(rebound.status, 403);
   assert.strictEqual(rebound.headers["access-control-allow-origin"], undefined);
   assert.strictEqual(logOnDisk().length, before);
 });

@@ -157,7 +157,8 @@ void installRoutes(httplib::Server& server, ServeContext& context) {
   });
   server.set_error_handler([](const httplib::Request& request, httplib::Response& response) {
     if (!response.body.empty()) return;
-    setSecurityHeaders(response);
+    // Set already when the request reached routing; not when it failed before (a body over the limit).
+    if (!response.has_header("X-Content-Type-Options")) setSecurityHeaders(response);
     const std::string message = response.status == 404 ? "no such page or API: " + request.path
                                 : response.status == 405
                                     ? request.method + " is not allowed on " + request.path

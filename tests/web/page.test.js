@@ -114,3 +114,13 @@ test("a form post from another origin and a foreign Host are refused", async () 
   assert.strictEqual(rebound.headers["access-control-allow-origin"], undefined);
   assert.strictEqual(logOnDisk().length, before);
 });
+
+test("the report for printing opens from the page with its chart", async () => {
+  await page.goto(`${base}/`, { waitUntil: "networkidle0" });
+  await Promise.all([page.waitForNavigation(), page.click("#report-link")]);
+  assert.match(page.url(), /\/report\?last=7d$/);
+  assert.strictEqual(await page.$$eval("svg", (charts) => charts.length), 1);
+  assert.match(await page.$eval("body", (body) => body.textContent), /128/);
+  if (shots) await page.screenshot({ path: path.join(shots, "report-desktop.png"), fullPage: true });
+  await page.goto(`${base}/`, { waitUntil: "networkidle0" });
+});

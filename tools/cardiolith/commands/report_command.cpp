@@ -1,7 +1,6 @@
 #include <unistd.h>
 
 #include <cardiolith/analysis/home_monitoring.hpp>
-#include <cardiolith/platform/date_formatter.hpp>
 #include <charconv>
 #include <iostream>
 #include <memory>
@@ -65,21 +64,6 @@ HomeMonitoringOptions analysisOptions(const ReportOptions& options) {
   return analysis;
 }
 
-// Whole days: from the start of the first to the end of the last; --last 7d ends now and starts at the
-// local midnight six days before today.
-std::pair<Date, Date> chosenDays(const ReportOptions& options) {
-  if (options.from) {
-    const Date from = parseDateTime(*options.from, "--from");
-    const Date to = options.to ? parseRangeEnd(*options.to, "--to") : Date::now();
-    requireOrdered(from, to);
-    return {from, to};
-  }
-  const std::int64_t days = parseSpanDays(options.last, "--last");
-  const Date now = Date::now();
-  const Date today = parseDateTime(DateFormatter("yyyy-MM-dd").string(now), "--last");
-  return {today.addingDays(1 - days), now};
-}
-
 void write(const ReportOptions& options, const std::string& bytes, const DataFolder& folder,
            const ReadingsLog& log) {
   if (options.out) {
@@ -94,7 +78,7 @@ void write(const ReportOptions& options, const std::string& bytes, const DataFol
 
 void runReport(const ReportOptions& options, const GlobalOptions& global) {
   const auto analysisSettings = analysisOptions(options);
-  const auto [from, to] = chosenDays(options);
+  const auto [from, to] = reportDays(options.from, options.to, options.last);
   const DataFolder folder(global);
   ReadingsLog log(folder, ReadingsLog::Access::read);
   const HomeReportDocument report{HomeMonitoringAnalyzer::analyse(log.readings(), from, to, analysisSettings),

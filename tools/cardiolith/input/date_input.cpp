@@ -1,5 +1,6 @@
 #include "input/date_input.hpp"
 
+#include <cardiolith/platform/date_formatter.hpp>
 #include <charconv>
 #include <ctime>
 #include <optional>
@@ -114,6 +115,20 @@ std::int64_t parseSpanDays(std::string_view text, std::string_view option) {
                     " is not a span of days; write a positive number of days (\"7d\") or weeks (\"2w\")");
   }
   return count * daysPerUnit;
+}
+
+std::pair<Date, Date> reportDays(const std::optional<std::string>& from, const std::optional<std::string>& to,
+                                 std::string_view last) {
+  if (from) {
+    const Date start = parseDateTime(*from, "--from");
+    const Date end = to ? parseRangeEnd(*to, "--to") : Date::now();
+    requireOrdered(start, end);
+    return {start, end};
+  }
+  const std::int64_t days = parseSpanDays(last, "--last");
+  const Date now = Date::now();
+  const Date today = parseDateTime(DateFormatter("yyyy-MM-dd").string(now), "--last");
+  return {today.addingDays(1 - days), now};
 }
 
 }  // namespace cardiolith::tool

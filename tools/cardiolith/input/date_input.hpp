@@ -2,7 +2,10 @@
 
 #include <cardiolith/platform/date.hpp>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace cardiolith::tool {
 
@@ -18,6 +21,11 @@ Date parseRangeEnd(std::string_view text, std::string_view option);
 
 // ToolError when a range ends before it starts.
 void requireOrdered(Date from, Date to);
+
+// The whole days a report covers: from the start of `from` to the end of `to` (default now), or, without
+// `from`, the `last` span ("7d") ending now and starting at the local midnight of its first day.
+std::pair<Date, Date> reportDays(const std::optional<std::string>& from, const std::optional<std::string>& to,
+                                 std::string_view last);
 
 // A span of days: "7", "7d" or "2w" (weeks). At least one day.
 std::int64_t parseSpanDays(std::string_view text, std::string_view option);

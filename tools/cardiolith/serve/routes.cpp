@@ -1,6 +1,7 @@
 #include "serve/routes.hpp"
 
 #include <algorithm>
+#include <cardiolith/analysis/home_monitoring.hpp>
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <limits>
 #include <optional>
@@ -9,6 +10,7 @@
 #include "commands/add_reading.hpp"
 #include "input/date_input.hpp"
 #include "log/tag_list.hpp"
+#include "render/home_report.hpp"
 #include "render/json_writer.hpp"
 #include "render/log_json.hpp"
 #include "serve/reading_request.hpp"
@@ -113,6 +115,22 @@ void addFromBody(const ServeContext& context, const httplib::Request& request, h
   response.set_content(out.str(), jsonType);
 }
 
+// The home-monitoring report for printing, as `report --format html` writes it, of the last 7 days or
+// ?last=, or ?from= and ?to=. It is a document of its own without scripts; its style and chart are inline.
+void printableReport(const ServeContext& context, const httplib::Request& request,
+                     httplib::Response& response) {
+  const auto [from, to] = reportDays(parameter(request, "from"), parameter(request, "to"),
+                                     parameter(request, "last").value_or("7d"));
+  ReadingsLog log(context.folder, ReadingsLog::Access::read);
+  const HomeReportDocument report{HomeMonitoringAnalyzer::analyse(log.readings(), from, to, {}), from, to,
+                                  std::nullopt};
+  response.headers.erase("Content-Security-Policy");
+  response.set_header("Content-Security-Policy",
+                      "default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
+                      "form-action 'none'; frame-ancestors 'none'");
+  response.set_content(reportHtml(report), "text/html; charset=utf-8");
+}
+
 // Runs an API handler under the log's mutex, with answers never cached, and turns the refusals of the
 // shared command code into 4xx answers carrying its message.
 template <typename Handler>
@@ -186,6 +204,9 @@ void installRoutes(httplib::Server& server, ServeContext& context) {
               }));
   server.Get("/api/summary", api(context, [&context](const auto& request, auto& response) {
                summarise(context, request, response);
+             }));
+  server.Get("/report", api(context, [&context](const auto& request, auto& response) {
+               printableReport(context, request, response);
              }));
   server.Get("/api/tags",
              api(context, [&context](const auto&, auto& response) { listTags(context, response); }));

@@ -67,6 +67,13 @@ function cell(label, text, className) {
   return node;
 }
 
+// The report covers whole days: the chosen range, or the last 7 or 30 days (7 for "All").
+function reportQuery() {
+  const form = document.getElementById("period-form");
+  if (form.period.value === "range" && form.from.value) return periodQuery();
+  return `last=${form.period.value === "30" ? 30 : 7}d`;
+}
+
 function renderReadings(readings) {
   const body = document.querySelector("#reading-table tbody");
   body.replaceChildren();
@@ -111,6 +118,7 @@ async function refresh() {
     const [list, summary] = await Promise.all([api(`/api/readings?${periodQuery()}`), api(`/api/summary?${summaryQuery()}`)]);
     renderReadings(list.readings);
     renderSummary(summary);
+    document.getElementById("report-link").href = `/report?${reportQuery()}`;
     message.textContent = list.readings.length === 0 ? "No readings in this period." : "";
   } catch (error) {
     message.textContent = error.message;

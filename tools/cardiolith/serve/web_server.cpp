@@ -4,6 +4,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 
 #include <iostream>
@@ -18,17 +19,24 @@ extern char** environ;
 namespace cardiolith::tool::serve {
 namespace {
 
+// The library's default also sets SO_REUSEPORT, which would let a second server (or another program of the
+// user) share the port and answer half the requests with another token. Only SO_REUSEADDR, so that a
+// restart doesn't wait for the old connections' TIME_WAIT.
+void exclusivePort(int socket) {
+  const int yes = 1;
+  setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+}
+
 // Binds the IPv4 listener, to the port asked for or, for 0, to a free one; returns the port.
 int bindLoopback(httplib::Server& server, int port) {
-  if (port == 0)
-    port = server.bind_to_any_port("127.0.0.1");
-  else if (!server.bind_to_port("127.0.0.1", port))
-    port = -1;
-  if (port <= 0) {
+  const int bound = port == 0                                ? server.bind_to_any_port("127.0.0.1")
+                    : server.bind_to_port("127.0.0.1", port) ? port
+                                                             : -1;
+  if (bound <= 0) {
     throw ToolError("could not listen on 127.0.0.1:" + std::to_string(port) +
                     " (is another program using it?); choose another port with --port, or --port 0 for any");
   }
-  return port;
+  return bound;
 }
 
 void openInBrowser(const std::string& url) {
@@ -56,9 +64,10 @@ void serveUntilSignalled(const DataFolder& folder, const ServeOptions& options) 
 
   httplib::Server ipv4;
   httplib::Server ipv6;
+  ipv4.set_socket_options(exclusivePort);
+  ipv6.set_socket_options(exclusivePort);
   ServeContext context{folder, 0, newSessionToken(), {}};
-  const int requested = options.port == 0 ? 0 : options.port;
-  context.port = bindLoopback(ipv4, requested);
+  context.port = bindLoopback(ipv4, options.port);
   const bool hasIpv6 = ipv6.bind_to_port("::1", context.port);
   installRoutes(ipv4, context);
   if (hasIpv6) installRoutes(ipv6, context);

@@ -124,3 +124,15 @@ test("the report for printing opens from the page with its chart", async () => {
   if (shots) await page.screenshot({ path: path.join(shots, "report-desktop.png"), fullPage: true });
   await page.goto(`${base}/`, { waitUntil: "networkidle0" });
 });
+
+test("the period chooses the readings shown", async () => {
+  await page.select('select[name="period"]', "range");
+  // Set as values: what typing into a date field takes depends on the browser's locale.
+  await (await fieldByLabel("From")).evaluate((field) => (field.value = "2020-01-01"));
+  await (await fieldByLabel("To")).evaluate((field) => (field.value = "2020-12-31"));
+  await page.click('#period-form button[type="submit"]');
+  await page.waitForFunction(() => document.querySelectorAll("#reading-table tbody tr").length === 0);
+  await page.select('select[name="period"]', "all");
+  await page.waitForFunction(() => document.querySelectorAll("#reading-table tbody tr").length === 1);
+  assert.strictEqual(await page.$eval('label.range', (label) => label.hidden), true);
+});

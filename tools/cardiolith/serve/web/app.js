@@ -176,7 +176,13 @@ document.addEventListener("DOMContentLoaded", () => {
     event.preventDefault();
     refresh();
   });
-  document.getElementById("period-form").period.addEventListener("change", refresh);
+  const period = document.getElementById("period-form").period;
+  period.addEventListener("change", () => {
+    // From and To only mean something for a range; a range waits for its days and "Show".
+    const isRange = period.value === "range";
+    for (const label of document.querySelectorAll("#period-form .range")) label.hidden = !isRange;
+    if (!isRange) refresh();
+  });
   loadTags().catch((error) => {
     document.getElementById("add-message").textContent = error.message;
   });

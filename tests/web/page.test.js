@@ -92,6 +92,7 @@ test("refused input shows the tool's message and keeps what was typed", async ()
 test("screenshots at desktop and 360 px width", async () => {
   if (!shots) return;
   fs.mkdirSync(shots, { recursive: true });
+  await page.waitForFunction(() => !document.getElementById("chart").hidden);
   await page.screenshot({ path: path.join(shots, "page-desktop.png"), fullPage: true });
   await (await page.$("#add")).screenshot({ path: path.join(shots, "add-form-desktop.png") });
   await page.setViewport({ width: 360, height: 780 });
@@ -135,4 +136,13 @@ test("the period chooses the readings shown", async () => {
   await page.select('select[name="period"]', "all");
   await page.waitForFunction(() => document.querySelectorAll("#reading-table tbody tr").length === 1);
   assert.strictEqual(await page.$eval('label.range', (label) => label.hidden), true);
+});
+
+test("the chart of the period shows once it has readings", async () => {
+  await page.select('select[name="period"]', "30");
+  await page.waitForFunction(() => {
+    const chart = document.getElementById("chart");
+    return !chart.hidden && chart.complete && chart.naturalWidth > 0;
+  });
+  assert.match(await page.$eval("#chart", (chart) => chart.getAttribute("alt")), /Systolic and diastolic/);
 });

@@ -1,10 +1,5 @@
-#include <cardiolith/analysis/blood_pressure_analysis.hpp>
-#include <cardiolith/analysis/readings_summary.hpp>
 #include <cardiolith/model/collection.hpp>
 #include <cardiolith/platform/date.hpp>
-#include <cardiolith/platform/date_formatter.hpp>
-#include <cmath>
-#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -14,9 +9,7 @@
 #include "log/data_folder.hpp"
 #include "log/output_file.hpp"
 #include "render/cairo_output.hpp"
-#include "render/category_text.hpp"
-#include "render/chart.hpp"
-#include "render/time_ticks.hpp"
+#include "render/period_chart.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -26,31 +19,6 @@ struct ChartOptions {
   std::int64_t days = 30;
   std::string out;
 };
-
-std::string subtitle(const ReadingList& readings, Date start, Date end) {
-  const DateFormatter day("d MMM yyyy");
-  std::string text = day.string(start) + " \u2013 " + day.string(end) + " \u00b7 " +
-                     std::to_string(readings.size()) + (readings.size() == 1 ? " reading" : " readings");
-  const auto systolic = ReadingsSummarizer::getAverage(Reading::ValueType::systolic, readings);
-  const auto diastolic = ReadingsSummarizer::getAverage(Reading::ValueType::diastolic, readings);
-  if (systolic && diastolic) {
-    char average[64];
-    std::snprintf(average, sizeof average, "%.1f/%.1f", static_cast<double>(*systolic),
-                  static_cast<double>(*diastolic));
-    // Classified like a summary's average: each pressure truncated toward zero.
-    const auto category = BloodPressureAnalyzer::result(static_cast<std::int64_t>(*systolic),
-                                                        static_cast<std::int64_t>(*diastolic));
-    text += " \u00b7 average " + std::string(average) + " mmHg, " + std::string(categoryName(category));
-  }
-  return text;
-}
-
-// The mean of one pressure over the readings, for the dashed line of its panel.
-double mean(const ReadingList& readings, std::int64_t (Reading::*field)() const) {
-  double sum = 0;
-  for (const auto& reading : readings) sum += static_cast<double>(((*reading).*field)());
-  return sum / static_cast<double>(readings.size());
-}
 
 void runChart(const ChartOptions& options, const GlobalOptions& global) {
   const bool toStandardOutput = options.out == "-";
@@ -69,18 +37,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
                     " days, so there is nothing to chart; try a longer period with --days");
   }
 
-  ChartRequest request;
-  request.title =
-      "Blood pressure, last " + std::to_string(options.days) + (options.days == 1 ? " day" : " days");
-  request.subtitle = subtitle(selection, start, end);
-  request.start = start;
-  request.end = end;
-  request.ticks = timeTicks(start, end, options.days);
-  for (const auto& reading : selection)
-    request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
-  request.systolicAverage = mean(selection, &Reading::systolic);
-  request.diastolicAverage = mean(selection, &Reading::diastolic);
-
+  const ChartRequest request = periodChart(selection, start, end, options.days);
   const std::string bytes = renderImage(*format, request.width, chartHeight(request),
                                         [&](cairo_t* cairo) { drawChart(cairo, request); });
   if (toStandardOutput) {

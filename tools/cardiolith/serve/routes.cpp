@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cardiolith/analysis/home_monitoring.hpp>
 #include <cardiolith/analysis/readings_summary.hpp>
+#include <charconv>
 #include <limits>
 #include <optional>
 #include <sstream>
@@ -10,9 +11,11 @@
 #include "commands/add_reading.hpp"
 #include "input/date_input.hpp"
 #include "log/tag_list.hpp"
+#include "render/cairo_output.hpp"
 #include "render/home_report.hpp"
 #include "render/json_writer.hpp"
 #include "render/log_json.hpp"
+#include "render/period_chart.hpp"
 #include "serve/reading_request.hpp"
 #include "serve/request_guard.hpp"
 #include "serve/web_assets.hpp"
@@ -115,6 +118,27 @@ void addFromBody(const ServeContext& context, const httplib::Request& request, h
   response.set_content(out.str(), jsonType);
 }
 
+// The chart of the last ?days= days (default 30), ?width= pixels wide, as SVG, as `chart` draws it; 404 when
+// the period has no readings, which the page takes as "no chart".
+void chartPicture(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
+  const std::int64_t days = parseSpanDays(parameter(request, "days").value_or("30"), "days");
+  const Date end = Date::now();
+  const Date start = end.addingDays(-days);
+  ReadingsLog log(context.folder, ReadingsLog::Access::read);
+  const auto selection = filtered(log.readings(), start, end);
+  if (selection.empty()) return answerError(response, 404, "no readings to chart in that period");
+  ChartRequest chart = periodChart(selection, start, end, days);
+  // As wide as the page shows it, so its text stays readable on a phone; out-of-range widths are clamped.
+  if (const auto width = parameter(request, "width")) {
+    double pixels = 0;
+    std::from_chars(width->data(), width->data() + width->size(), pixels);
+    chart.width = std::clamp(pixels, 320.0, 1200.0);
+  }
+  response.set_content(renderImage(ImageFormat::svg, chart.width, chartHeight(chart),
+                                   [&](cairo_t* cairo) { drawChart(cairo, chart); }),
+                       "image/svg+xml");
+}
+
 // The home-monitoring report for printing, as `report --format html` writes it, of the last 7 days or
 // ?last=, or ?from= and ?to=. It is a document of its own without scripts; its style and chart are inline.
 void printableReport(const ServeContext& context, const httplib::Request& request,
@@ -204,6 +228,9 @@ void installRoutes(httplib::Server& server, ServeContext& context) {
               }));
   server.Get("/api/summary", api(context, [&context](const auto& request, auto& response) {
                summarise(context, request, response);
+             }));
+  server.Get("/api/chart.svg", api(context, [&context](const auto& request, auto& response) {
+               chartPicture(context, request, response);
              }));
   server.Get("/report", api(context, [&context](const auto& request, auto& response) {
                printableReport(context, request, response);

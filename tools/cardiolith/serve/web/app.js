@@ -112,6 +112,20 @@ function renderSummary(summary) {
   text.append(element("span", categoryNames[summary.category] || "-", `category ${summary.category}`));
 }
 
+// The chart of the last 7 or 30 days (30 for a range or all); hidden when the period has no readings.
+function showChart(hasReadings) {
+  const chart = document.getElementById("chart");
+  if (!hasReadings) {
+    chart.hidden = true;
+    return;
+  }
+  chart.onload = () => (chart.hidden = false);
+  chart.onerror = () => (chart.hidden = true);
+  const days = document.getElementById("period-form").period.value === "7" ? 7 : 30;
+  const width = Math.round(chart.parentElement.clientWidth);
+  chart.src = `/api/chart.svg?days=${days}&width=${width}&t=${Date.now()}`;
+}
+
 async function refresh() {
   const message = document.getElementById("list-message");
   try {
@@ -119,6 +133,7 @@ async function refresh() {
     renderReadings(list.readings);
     renderSummary(summary);
     document.getElementById("report-link").href = `/report?${reportQuery()}`;
+    showChart(list.readings.length > 0);
     message.textContent = list.readings.length === 0 ? "No readings in this period." : "";
   } catch (error) {
     message.textContent = error.message;

@@ -146,3 +146,21 @@ test("the chart of the period shows once it has readings", async () => {
   });
   assert.match(await page.$eval("#chart", (chart) => chart.getAttribute("alt")), /Systolic and diastolic/);
 });
+
+test("the keyboard alone adds a reading, and a printout shows the readings without the forms", async () => {
+  await page.goto(`${base}/`, { waitUntil: "networkidle0" });
+  await (await fieldByLabel("Systolic")).focus();
+  await page.keyboard.type("118");
+  await page.keyboard.press("Tab");
+  await page.keyboard.type("76");
+  await page.keyboard.press("Tab");
+  await page.keyboard.type("64");
+  await page.keyboard.press("Enter");
+  await page.waitForFunction(() => document.getElementById("add-message").textContent === "Added.");
+  assert.ok((await rowsText()).some((row) => row.includes("118/76")));
+
+  await page.emulateMediaType("print");
+  assert.strictEqual(await page.$eval("#add", (add) => getComputedStyle(add).display), "none");
+  assert.notStrictEqual(await page.$eval("#reading-table", (table) => getComputedStyle(table).display), "none");
+  await page.emulateMediaType(null);
+});

@@ -176,8 +176,8 @@ async function addReading(event) {
     await api("/api/readings", { method: "POST", body: JSON.stringify(reading) });
     form.reset();
     form.at.value = localDateTime(new Date());
-    message.textContent = "Added.";
     await refresh();
+    message.textContent = "Added.";
   } catch (error) {
     message.textContent = error.message;
   }

@@ -21,7 +21,7 @@ TEST_F(SampleAndChartTest, SampleFillsAnEmptyLogAndAddsToAFullOneOnlyWhenForced)
 
 TEST_F(SampleAndChartTest, ChartDrawsBothPressuresOfEveryReadingInThePeriod) {
   succeed({"sample", "--count", "20"});
-  succeed({"add", "120/80/60", "--at", "2001-01-01"});  // long before the period
+  succeed({"add", "120/80/60", "--at", "2001-01-01 8:00"});  // long before the period
   const auto svg = root_ / "chart.svg";
   EXPECT_EQ(succeed({"chart", "--days", "30", "--out", svg.string()}),
             "Wrote a chart of 20 readings to " + svg.string() + "\n");

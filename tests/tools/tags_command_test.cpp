@@ -24,7 +24,10 @@ TEST_F(TagsCommandTest, ReadingsKeepTheirTagThroughARenameAndThemselvesThroughAD
             "Renamed tag \"Home monitor\" to \"Clinic\"\n");
   EXPECT_EQ(listed()[0]["tags"], json({"Clinic"}));
 
-  EXPECT_THAT(succeed({"tags", "delete", "clinic"}), HasSubstr("Deleted tag \"Clinic\""));
+  EXPECT_THAT(run({"tags", "delete", "clinic"}).err,
+              HasSubstr("1 reading carries the tag \"Clinic\" (cardiolith list --tag 'Clinic' shows them)"));
+  EXPECT_EQ(succeed({"tags", "delete", "clinic", "--force"}),
+            "Deleted tag \"Clinic\"; 1 reading no longer carries it\n");
   EXPECT_EQ(listed()[0]["tags"], json::array()) << "the reading stays, without the tag";
   EXPECT_EQ(lines(succeed({"tags"})), defaults);
 

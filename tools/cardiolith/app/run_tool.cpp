@@ -37,7 +37,7 @@ int parseAndRun(int argc, char** argv) {
   // A note or a tag title is not a launch argument: the library sees the program name only.
   cardiolith::ProcessInfo::setArguments({argc > 0 ? argv[0] : "cardiolith"});
   LibraryLog::install();
-  ChangeHistory::describeThisProcess(commandLine(argc, argv));
+  ChangeHistory::startChange(commandLine(argc, argv));
 
   GlobalOptions global;
   CLI::App app{"Keep a blood-pressure log: add readings, list, summarise, export and chart them."};

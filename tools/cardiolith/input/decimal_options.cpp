@@ -1,6 +1,8 @@
 #include "input/decimal_options.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 
 namespace cardiolith::tool {
 
@@ -12,6 +14,11 @@ std::string normaliseDecimal(std::string& text) {
   if (!decimal) return "\"" + text + "\" is not a whole number; write it in decimal digits, e.g. 71";
   const auto firstSignificant = std::find_if(digits, text.end() - 1, [](char c) { return c != '0'; });
   text.erase(digits, firstSignificant);
+  // CLI11 would quietly turn a number too large for the option into the largest one it can hold.
+  std::int64_t value = 0;
+  const char* start = text.data() + (text.front() == '+' ? 1 : 0);
+  if (std::from_chars(start, text.data() + text.size(), value).ec != std::errc{})
+    return "\"" + text + "\" is too large a number";
   return {};
 }
 

@@ -49,6 +49,7 @@ struct HistoryError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The change that this process's writes belong to.
 struct ProcessChange {
   std::mutex mutex;
   std::string id = UUID::random().uuidString();
@@ -161,9 +162,10 @@ std::string fileDescription(const std::filesystem::path& path) { return "the fil
 
 }  // namespace
 
-void ChangeHistory::describeThisProcess(std::string commandLine) {
+void ChangeHistory::startChange(std::string commandLine) {
   auto& change = processChange();
   std::lock_guard lock(change.mutex);
+  change.id = UUID::random().uuidString();
   change.commandLine = std::move(commandLine);
 }
 

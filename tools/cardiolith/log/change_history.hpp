@@ -22,8 +22,9 @@ class ChangeHistory {
 
   explicit ChangeHistory(std::filesystem::path historyFile) : file_(std::move(historyFile)) {}
 
-  // Names the change this process makes in the history ("add 138/85 --pulse 71"); undo shows it.
-  static void describeThisProcess(std::string commandLine);
+  // Starts a new change: the writes recorded from now on are undone together, and undo names them by
+  // `commandLine` ("add 138/85 --pulse 71"). The tool starts one change per run.
+  static void startChange(std::string commandLine);
 
   // Records that `path`, a file in the history file's folder, held `before` (nothing: there was no file)
   // and now holds `after`. A history that can't be read is started again. filesystem_error when the

@@ -37,3 +37,30 @@ TEST_F(TagsCommandTest, ReadingsKeepTheirTagThroughARenameAndThemselvesThroughAD
 
 }  // namespace
 }  // namespace cardiolith::tool::testing
+
+namespace cardiolith::tool::testing {
+namespace {
+
+TEST_F(TagsCommandTest, DeletingTheLastTagSaysTheDefaultsComeBackAndTitlesSortByLocale) {
+  writeFile(tagsFile_,
+            R"([{"id":"0F2B6A4C-1B7E-4C1A-9E55-2B7A1C9D3E01","title":"Clinic","colorHex":"34c759"}])");
+  EXPECT_EQ(
+      succeed({"tags", "delete", "CLINIC"}),
+      "Deleted tag \"Clinic\"\nThat was the last tag, so the ten default tags come back (cardiolith tags "
+      "shows them).\n");
+  EXPECT_EQ(lines(succeed({"tags"})).size(), 12u);
+
+  environment_["LANG"] =
+      "en_GB.UTF-8";  // ICU's own data has the collation, installed in the C library or not
+  for (const char* title : {"zebra", "\u00e9clair", "apple"}) succeed({"tags", "add", title});
+  std::vector<std::string> order;
+  for (const auto& row : lines(succeed({"tags"}))) {
+    for (const std::string title : {"apple", "\u00e9clair", "zebra", "Evening"}) {
+      if (row.starts_with(title + " ")) order.push_back(title);
+    }
+  }
+  EXPECT_EQ(order, (std::vector<std::string>{"apple", "\u00e9clair", "Evening", "zebra"}));
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::testing

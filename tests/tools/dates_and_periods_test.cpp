@@ -79,7 +79,7 @@ TEST_F(DatesAndPeriodsTest, ReportsTakeTheSamePeriodAndTagOptions) {
   const auto svg = root_ / "chart.svg";
   EXPECT_EQ(succeed(with({"chart", "--out", svg.string()}, period)),
             "Wrote a chart of 2 readings to " + svg.string() + "\n");
-  EXPECT_THAT(readFile(svg), HasSubstr("Blood pressure, from 2026-11-01 to 2026-11-07"));
+  EXPECT_THAT(readFile(svg), HasSubstr("Blood pressure, 2026-11-01 to 2026-11-07"));
 }
 
 }  // namespace

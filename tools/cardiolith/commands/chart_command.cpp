@@ -111,7 +111,8 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
     throw ToolError("no readings in that period (" + period.bounds() +
                     "), so there is nothing to chart; try a longer one with --days or --from");
   }
-  // An open start begins the chart at the first reading.
+  // An open end closes the chart now, an open start at the first reading.
+  if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) period.end = dates.now();
   if (!std::isfinite(period.start.timeIntervalSinceReferenceDate())) {
     period.start = (*std::min_element(selection.begin(), selection.end(), [](const auto& a, const auto& b) {
                      return a->date() < b->date();
@@ -121,8 +122,9 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   const auto days = dates.calendar().wholeDays(start, period.summaryEnd()).value_or(1);
 
   ChartRequest request;
-  std::string name = period.name;  // "Last 30 days", "From 2026-11-01 to now"
-  if (!name.empty()) name[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[0])));
+  // "last 30 days", or the dates that --from and --to named ("mon", "yesterday") as they resolved.
+  std::string name = period.name.starts_with("Last") ? period.name : period.bounds();
+  name[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[0])));
   request.title = "Blood pressure, " + name;
   request.subtitle = subtitle(selection, start, end);
   request.start = start;

@@ -2,52 +2,17 @@
 
 #include <cardiolith/platform/durable_file.hpp>
 #include <cardiolith/platform/uuid.hpp>
-#include <charconv>
 #include <iostream>
 #include <map>
 #include <mutex>
 #include <set>
-#include <stdexcept>
 #include <string_view>
 
+#include "log/history_format.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
-
-constexpr std::string_view header = "cardiolith change history 1\n";
-
-struct Fingerprint {
-  bool present = false;
-  std::uint64_t size = 0;
-  std::uint64_t hash = 0;
-  friend bool operator==(const Fingerprint&, const Fingerprint&) = default;
-};
-
-// FNV-1a, 64 bits: tells whether a file still holds what a change left there. It guards against other
-// programs' edits, not against an adversary, so a fast non-cryptographic hash is enough.
-Fingerprint fingerprintOf(const std::optional<std::string>& content) {
-  if (!content) return {};
-  std::uint64_t hash = 14695981039346656037ull;
-  for (const char byte : *content) {
-    hash ^= static_cast<unsigned char>(byte);
-    hash *= 1099511628211ull;
-  }
-  return {true, content->size(), hash};
-}
-
-struct Step {
-  std::string change;  // the id of the process that made it
-  std::string command;
-  std::string fileName;
-  Fingerprint before, after;
-  std::uint64_t prefix = 0, suffix = 0;  // bytes that before and after share at their start and end
-  std::string middle;                    // before's bytes between them
-};
-
-struct HistoryError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 // The change that this process's writes belong to.
 struct ProcessChange {
@@ -61,93 +26,14 @@ ProcessChange& processChange() {
   return change;
 }
 
-std::string encode(const std::vector<Step>& steps) {
-  std::string text(header);
-  for (const auto& step : steps) {
-    const auto fields = [](const Fingerprint& print) {
-      return std::to_string(print.present) + " " + std::to_string(print.size) + " " +
-             std::to_string(print.hash);
-    };
-    text += "step " + step.change + " " + step.fileName + " " + fields(step.before) + " " +
-            fields(step.after) + " " + std::to_string(step.prefix) + " " + std::to_string(step.suffix) + " " +
-            std::to_string(step.command.size()) + " " + std::to_string(step.middle.size()) + "\n" +
-            step.command + step.middle + "\n";
-  }
-  return text;
-}
-
-// Reads the history written by encode(); HistoryError for anything else.
-class Decoder {
- public:
-  explicit Decoder(std::string_view text) : text_(text) {}
-
-  std::vector<Step> steps() {
-    if (!text_.starts_with(header))
-      throw HistoryError("it does not start with \"" + std::string(header.substr(0, 26)) + "\"");
-    text_.remove_prefix(header.size());
-    std::vector<Step> result;
-    while (!text_.empty()) {
-      Step step;
-      if (word() != "step") throw HistoryError("a step does not start with \"step\"");
-      step.change = std::string(word());
-      step.fileName = std::string(word());
-      if (step.fileName.empty() || step.fileName.find('/') != std::string::npos ||
-          step.fileName.starts_with('.'))
-        throw HistoryError("a step names no file of the data folder");
-      step.before = fingerprint();
-      step.after = fingerprint();
-      step.prefix = number();
-      step.suffix = number();
-      const auto commandSize = number(), middleSize = number('\n');
-      step.command = bytes(commandSize);
-      step.middle = bytes(middleSize);
-      if (bytes(1) != "\n") throw HistoryError("a step does not end where its sizes say");
-      result.push_back(std::move(step));
-    }
-    return result;
-  }
-
- private:
-  std::string_view word(char end = ' ') {
-    const auto stop = text_.find(end);
-    if (stop == std::string_view::npos) throw HistoryError("it ends in the middle of a step");
-    const auto result = text_.substr(0, stop);
-    text_.remove_prefix(stop + 1);
-    return result;
-  }
-  std::uint64_t number(char end = ' ') {
-    const auto digits = word(end);
-    std::uint64_t value = 0;
-    const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (digits.empty() || error != std::errc{} || stop != digits.data() + digits.size())
-      throw HistoryError("\"" + std::string(digits) + "\" is not a size");
-    return value;
-  }
-  Fingerprint fingerprint() {
-    Fingerprint print;
-    print.present = number() != 0;
-    print.size = number();
-    print.hash = number();
-    return print;
-  }
-  std::string bytes(std::uint64_t count) {
-    if (count > text_.size()) throw HistoryError("it ends in the middle of a step");
-    std::string result(text_.substr(0, count));
-    text_.remove_prefix(count);
-    return result;
-  }
-
-  std::string_view text_;
-};
-
-std::vector<Step> readSteps(const std::filesystem::path& file) {
+std::vector<HistoryStep> readSteps(const std::filesystem::path& file) {
   const auto text = durable_file::readIfPresent(file);
   if (!text) return {};
-  return Decoder(*text).steps();
+  return decodeHistory(*text);
 }
 
 // Drops the oldest changes beyond the kept number.
-void prune(std::vector<Step>& steps) {
+void prune(std::vector<HistoryStep>& steps) {
   std::set<std::string> changes;
   for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
     changes.insert(step->change);
@@ -171,14 +57,14 @@ void ChangeHistory::startChange(std::string commandLine) {
 
 void ChangeHistory::record(const std::filesystem::path& path, const std::optional<std::string>& before,
                            const std::string& after) const {
-  std::vector<Step> steps;
+  std::vector<HistoryStep> steps;
   try {
     steps = readSteps(file_);
-  } catch (const HistoryError& error) {
+  } catch (const HistoryFormatError& error) {
     std::cerr << "cardiolith: the undo history " << file_.string() << " is damaged (" << error.what()
               << "); it starts again with this change\n";
   }
-  Step step;
+  HistoryStep step;
   {
     auto& change = processChange();
     std::lock_guard lock(change.mutex);
@@ -201,7 +87,7 @@ void ChangeHistory::record(const std::filesystem::path& path, const std::optiona
   }
   steps.push_back(std::move(step));
   prune(steps);
-  durable_file::replace(file_, encode(steps));
+  durable_file::replace(file_, encodeHistory(steps));
 }
 
 void ChangeHistory::recordWrite(const std::filesystem::path& path,
@@ -217,10 +103,10 @@ void ChangeHistory::recordWrite(const std::filesystem::path& path,
 }
 
 ChangeHistory::Undone ChangeHistory::undoLast() const {
-  std::vector<Step> steps;
+  std::vector<HistoryStep> steps;
   try {
     steps = readSteps(file_);
-  } catch (const HistoryError& error) {
+  } catch (const HistoryFormatError& error) {
     throw ToolError("can't undo: the undo history " + file_.string() + " is damaged (" + error.what() +
                     "). Nothing was changed.");
   } catch (const std::exception& error) {
@@ -271,7 +157,7 @@ ChangeHistory::Undone ChangeHistory::undoLast() const {
     undone.files.push_back(std::move(restored));
   }
   steps.erase(first, steps.end());
-  durable_file::replace(file_, encode(steps));
+  durable_file::replace(file_, encodeHistory(steps));
   return undone;
 }
 

@@ -53,7 +53,7 @@ Period choosePeriod(const PeriodOptions& options, const DateReader& dates,
   }
   Period period{Date(-std::numeric_limits<double>::infinity()), Date(std::numeric_limits<double>::infinity()),
                 false, ""};
-  std::optional<DateReader::TypedTime> from, to;
+  std::optional<DateReader::TypedTime> from;
   if (options.from) from = dates.read(*options.from, "--from");
   if (from) period.start = from->instant;
   if (options.to) period.end = dates.rangeEnd(*options.to, "--to");

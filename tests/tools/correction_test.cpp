@@ -121,7 +121,7 @@ TEST_F(CorrectionTest, RandomCommandsUndoneOneByOneGiveBackTheFilesByteForByte) 
   }
 }
 
-TEST_F(CorrectionTest, AHundredAddsMixedWithDeletesLoseNothingThatWasNotDeleted) {
+TEST_F(CorrectionTest, AHundredAddsMixedWithEditsAndDeletesLoseNothingThatWasNotDeleted) {
   std::string log = R"({"readings":[)";
   for (int i = 0; i < 30; ++i) {
     log += std::string(i ? "," : "") + R"({"id":"OLD)" + std::to_string(1000 + i) + R"(","date":)" +
@@ -135,12 +135,14 @@ TEST_F(CorrectionTest, AHundredAddsMixedWithDeletesLoseNothingThatWasNotDeleted)
       runs.push_back({"delete", "OLD" + std::to_string(1000 + i / 5), "OLD" + std::to_string(1020 + i / 20)});
     else if (i % 5 == 0)
       runs.push_back({"delete", "OLD" + std::to_string(1000 + i / 5)});
+    if (i % 20 == 10) runs.push_back({"edit", "OLD" + std::to_string(1025 + i / 20), "140/90/65"});
   }
   for (const auto& result : runAll(runs)) EXPECT_EQ(result.exitCode, 0) << result.err;
 
   std::set<std::string> notes, ids;
   for (const auto& reading : listed()) {
     ids.insert(idOf(reading));
+    if (idOf(reading).starts_with("OLD")) EXPECT_EQ(reading["systolic"], 140) << "edited: " << idOf(reading);
     if (reading["notes"].is_string()) notes.insert(reading["notes"].get<std::string>());
   }
   EXPECT_EQ(notes.size(), 100u) << "every add's own reading";

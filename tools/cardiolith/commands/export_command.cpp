@@ -114,7 +114,7 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
 void addExportCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ExportOptions>();
   auto* command =
-      app.add_subcommand("export", "Write every reading, oldest first, as CSV or TSV for a spreadsheet");
+      app.add_subcommand("export", "Write the readings, oldest first, as CSV or TSV for a spreadsheet");
   command->add_option("--format", options->format, "csv (default) or tsv")
       ->check(CLI::IsMember({"csv", "tsv"}));
   command->add_flag("--tags", options->tags, "Add a column with the tag titles");

@@ -1,11 +1,15 @@
 #include "cardiolith/platform/text.hpp"
 
+#include <unicode/coll.h>
+#include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -233,6 +237,33 @@ int canonicalCompare(std::string_view a, std::string_view b) {
   // UTF-8 byte order is Unicode scalar value order, so the NFC forms compare as bytes.
   if (isASCII(a) && isASCII(b)) return a.compare(b);
   return canonical(a).compare(canonical(b));
+}
+
+std::string caseFolded(std::string_view text) {
+  auto folded = detail::toICU(text);
+  folded.foldCase(U_FOLD_CASE_DEFAULT);
+  return canonical(detail::fromICU(folded));
+}
+
+int localeCompare(std::string_view a, std::string_view b) {
+  // A collator is not thread-safe; a clone per thread is, and the default locale rarely changes.
+  thread_local std::unique_ptr<icu::Collator> collator;
+  thread_local std::string collatorLocale;
+  const std::string locale = icu::Locale::getDefault().getName();
+  if (!collator || collatorLocale != locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    collator.reset(icu::Collator::createInstance(icu::Locale::getDefault(), status));
+    if (U_FAILURE(status)) collator.reset();
+    collatorLocale = locale;
+  }
+  if (collator) {
+    UErrorCode status = U_ZERO_ERROR;
+    const auto order =
+        collator->compareUTF8(icu::StringPiece(a.data(), static_cast<int32_t>(a.size())),
+                              icu::StringPiece(b.data(), static_cast<int32_t>(b.size())), status);
+    if (U_SUCCESS(status) && order != UCOL_EQUAL) return order == UCOL_LESS ? -1 : 1;
+  }
+  return canonicalCompare(a, b);
 }
 
 }  // namespace cardiolith::text

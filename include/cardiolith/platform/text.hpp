@@ -35,4 +35,13 @@ namespace cardiolith::text {
 // Negative, zero or positive like strcmp.
 [[nodiscard]] CARDIOLITH_EXPORT int canonicalCompare(std::string_view a, std::string_view b);
 
+// The text with letter case removed under Unicode's full case folding, in NFC: two titles that differ only in
+// case ("Straße", "STRASSE"; "Éte", "éTE") fold to the same text. For matching, never for display.
+std::string caseFolded(std::string_view text);
+
+// Orders texts as the user's locale sorts them (its collation: "apple" < "Banana" < "éclair" < "zebra"),
+// for lists that people read. Texts that collate equal are ordered by canonicalCompare, so the order is
+// total. Negative, zero or positive like strcmp. May be called from any thread.
+int localeCompare(std::string_view a, std::string_view b);
+
 }  // namespace cardiolith::text

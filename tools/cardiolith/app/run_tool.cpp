@@ -4,9 +4,13 @@
 #include <cardiolith/platform/process_info.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <string_view>
 
 #include "commands/commands.hpp"
 #include "global_options.hpp"
+#include "input/decimal_options.hpp"
+#include "log/change_history.hpp"
 #include "log/library_log.hpp"
 #include "tool_error.hpp"
 
@@ -15,11 +19,25 @@ namespace {
 
 constexpr int usageError = 2;
 
+// The arguments as a person would retype them, for the undo history: "add 138/85 --note 'after a walk'".
+std::string commandLine(int argc, char** argv) {
+  std::string line;
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (!line.empty()) line += ' ';
+    const bool plain =
+        !argument.empty() && argument.find_first_of(" \t\n'\"\\$`;&|<>()*?#~") == std::string_view::npos;
+    line += plain ? std::string(argument) : "'" + std::string(argument) + "'";
+  }
+  return line;
+}
+
 int parseAndRun(int argc, char** argv) {
   // The library reads launch arguments for itself, and "DELETE_ALL_RECORDS" among them empties the log.
   // A note or a tag title is not a launch argument: the library sees the program name only.
   cardiolith::ProcessInfo::setArguments({argc > 0 ? argv[0] : "cardiolith"});
   LibraryLog::install();
+  ChangeHistory::startChange(commandLine(argc, argv));
 
   GlobalOptions global;
   CLI::App app{"Keep a blood-pressure log: add readings, list, summarise, export and chart them."};
@@ -33,6 +51,9 @@ int parseAndRun(int argc, char** argv) {
       "Each command has its own --help.");
 
   addAddCommand(app, global);
+  addEditCommand(app, global);
+  addDeleteCommand(app, global);
+  addUndoCommand(app, global);
   addListCommand(app, global);
   addSummaryCommand(app, global);
   addClassifyCommand(app);
@@ -41,6 +62,7 @@ int parseAndRun(int argc, char** argv) {
   addSampleCommand(app, global);
   addChartCommand(app, global);
   addReportCommand(app, global);
+  requireDecimalIntegers(app);
 
   try {
     app.parse(argc, argv);

@@ -1,4 +1,5 @@
 #include <cardiolith/analysis/plausibility.hpp>
+#include <cardiolith/model/reading_lookup.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <cardiolith/platform/text.hpp>
 #include <cardiolith/platform/uuid.hpp>
@@ -13,6 +14,7 @@
 #include "commands/commands.hpp"
 #include "input/date_input.hpp"
 #include "input/pressure_input.hpp"
+#include "input/reading_id_input.hpp"
 #include "log/data_folder.hpp"
 #include "log/tag_list.hpp"
 #include "render/reading_text.hpp"
@@ -30,9 +32,6 @@ struct AddOptions {
   bool force = false;
 };
 
-// A reading dated this far ahead of the clock is a typing slip, not a clock difference.
-constexpr double futureTolerance = 5 * 60;
-
 std::int64_t chosenPulse(const PressureInput& input, const AddOptions& options) {
   if (input.pulse && options.pulse && *input.pulse != *options.pulse) {
     throw ToolError("the pulse is given twice, as " + std::to_string(*input.pulse) + " and --pulse " +
@@ -46,11 +45,8 @@ std::int64_t chosenPulse(const PressureInput& input, const AddOptions& options) 
       options.values + " --pulse 71");
 }
 
-void refuseImplausible(const PressureInput& input, std::int64_t pulse, Date date, Date now) {
-  auto problems = implausibilities(input.systolic, input.diastolic, pulse);
-  if (date > now.addingTimeInterval(futureTolerance)) {
-    problems.push_back("the date " + displayDateFormatter().string(date) + " is in the future");
-  }
+void refuseImplausible(const PressureInput& input, std::int64_t pulse) {
+  const auto problems = implausibilities(input.systolic, input.diastolic, pulse);
   if (problems.empty()) return;
   throw ToolError("not added: " + joined(problems, "; ") +
                   ".\nCheck the reading, or add --force to keep it exactly as typed.");
@@ -59,9 +55,9 @@ void refuseImplausible(const PressureInput& input, std::int64_t pulse, Date date
 void runAdd(const AddOptions& options, const GlobalOptions& global) {
   const auto input = parsePressure(options.values, true);
   const std::int64_t pulse = chosenPulse(input, options);
-  const Date now = Date::now();
-  const Date date = options.at ? parseDateTime(*options.at, "--at") : now;
-  if (!options.force) refuseImplausible(input, pulse, date, now);
+  const auto dates = DateReader::current();
+  const Date date = options.at ? dates.readingTime(*options.at, "--at", options.force) : dates.now();
+  if (!options.force) refuseImplausible(input, pulse);
   if (options.note && !text::isValidUTF8(*options.note))
     throw ToolError("--note: the text is not valid UTF-8");
 
@@ -85,8 +81,14 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
 
   {
     ReadingsLog log(folder, ReadingsLog::Access::change);
+    if (const auto twin = options.force ? nullptr : findDuplicate(log.readings(), *reading)) {
+      throw ToolError(
+          "not added: the log already holds this reading, " + describeWithId(log.readings(), *twin) +
+          ".\nAdd --force to keep both (two measurements in the same minute with the same values).");
+    }
     if (!std::filesystem::exists(log.file())) report += "Started a new log in " + log.file().string() + "\n";
     log.readings().push_back(reading);
+    report.insert(report.find('\n'), "  (id " + shortIdIn(log.readings(), *reading) + ")");
     log.save();
   }
   std::cout << report;
@@ -103,10 +105,13 @@ void addAddCommand(CLI::App& app, const GlobalOptions& global) {
       ->required();
   command->add_option("--pulse,-p", options->pulse, "Pulse in beats per minute");
   command->add_option("--at", options->at,
-                      "When it was taken: \"YYYY-MM-DD HH:MM\" or YYYY-MM-DD, local time (default: now)");
+                      "When it was taken (default: now): \"2026-11-20 7:45\", 7:45 (today), \"yesterday "
+                      "21:30\", \"mon 8:00\", -2h, \"30m ago\"");
   command->add_option("--note,-n", options->note, "A note to keep with the reading");
   command->add_option("--tag,-t", options->tags, "A tag title; repeat for several (see: cardiolith tags)");
-  command->add_flag("--force", options->force, "Keep values outside the usual human range, or a future date");
+  command->add_flag(
+      "--force", options->force,
+      "Keep values outside the usual human range, a date before 1900 or in the future, or a duplicate");
   command->callback([options, &global] { runAdd(*options, global); });
 }
 

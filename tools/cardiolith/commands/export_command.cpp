@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commands/commands.hpp"
+#include "input/period_options.hpp"
 #include "log/data_folder.hpp"
 #include "log/output_file.hpp"
 #include "log/tag_list.hpp"
@@ -23,6 +24,7 @@ struct ExportOptions {
   bool tags = false;
   bool notes = false;
   std::optional<std::string> out;
+  PeriodOptions period;
 };
 
 // The export has no quoting, so a cell must not hold what a reader takes for a row end or a quoted
@@ -93,16 +95,18 @@ std::string exportText(ReadingList readings, const TagList& tags, const ExportOp
 }
 
 void runExport(const ExportOptions& options, const GlobalOptions& global) {
+  const Period period = choosePeriod(options.period, DateReader::current(), std::nullopt);
   const DataFolder folder(global);
   const TagList tags(folder);
   ReadingsLog log(folder, ReadingsLog::Access::read);
-  const std::string text = exportText(log.readings(), tags, options);
+  const auto selection = selectReadings(log.readings(), period, options.period, tags);
+  const std::string text = exportText(selection, tags, options);
   if (!options.out) {
     std::cout << text;
     return;
   }
-  writeOutputFile(*options.out, text, {log.file(), folder.tagsFile(), folder.lockFile()});
-  std::cout << "Exported " << log.readings().size() << " readings to " << *options.out << '\n';
+  writeOutputFile(*options.out, text, {log.file(), folder.tagsFile(), folder.lockFile(), folder.historyFile()});
+  std::cout << "Exported " << selection.size() << " readings to " << *options.out << '\n';
 }
 
 }  // namespace
@@ -110,12 +114,13 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
 void addExportCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ExportOptions>();
   auto* command =
-      app.add_subcommand("export", "Write every reading, oldest first, as CSV or TSV for a spreadsheet");
+      app.add_subcommand("export", "Write the readings, oldest first, as CSV or TSV for a spreadsheet");
   command->add_option("--format", options->format, "csv (default) or tsv")
       ->check(CLI::IsMember({"csv", "tsv"}));
   command->add_flag("--tags", options->tags, "Add a column with the tag titles");
   command->add_flag("--notes", options->notes, "Add a column with the notes");
   command->add_option("--out,-o", options->out, "Write to this file instead of standard output");
+  addPeriodOptions(*command, options->period);
   command->callback([options, &global] { runExport(*options, global); });
 }
 

@@ -1,8 +1,8 @@
 #include <unistd.h>
 
 #include <cardiolith/analysis/home_monitoring.hpp>
-#include <cardiolith/platform/date_formatter.hpp>
 #include <charconv>
+#include <cmath>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -11,6 +11,7 @@
 
 #include "commands/commands.hpp"
 #include "input/date_input.hpp"
+#include "input/period_options.hpp"
 #include "input/pressure_input.hpp"
 #include "log/data_folder.hpp"
 #include "log/output_file.hpp"
@@ -65,25 +66,23 @@ HomeMonitoringOptions analysisOptions(const ReportOptions& options) {
   return analysis;
 }
 
-// Whole days: from the start of the first to the end of the last; --last 7d ends now and starts at the
-// local midnight six days before today.
+// Whole days: from the start of the first to the end of the last (today when --to is not given); --last 7d
+// is the last seven calendar days, today included.
 std::pair<Date, Date> chosenDays(const ReportOptions& options) {
-  if (options.from) {
-    const Date from = parseDateTime(*options.from, "--from");
-    const Date to = options.to ? parseRangeEnd(*options.to, "--to") : Date::now();
-    requireOrdered(from, to);
-    return {from, to};
-  }
-  const std::int64_t days = parseSpanDays(options.last, "--last");
-  const Date now = Date::now();
-  const Date today = parseDateTime(DateFormatter("yyyy-MM-dd").string(now), "--last");
-  return {today.addingDays(1 - days), now};
+  const auto dates = DateReader::current();
+  PeriodOptions choice;
+  choice.from = options.from;
+  choice.to = options.to;
+  if (!options.from) choice.last = options.last;
+  Period period = choosePeriod(choice, dates, std::nullopt);
+  if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) period.end = dates.now();
+  return {period.start, period.end};
 }
 
 void write(const ReportOptions& options, const std::string& bytes, const DataFolder& folder,
            const ReadingsLog& log) {
   if (options.out) {
-    writeOutputFile(*options.out, bytes, {log.file(), folder.tagsFile(), folder.lockFile()});
+    writeOutputFile(*options.out, bytes, {log.file(), folder.tagsFile(), folder.lockFile(), folder.historyFile()});
     std::cout << "Wrote the " << options.format << " report to " << *options.out << '\n';
     return;
   }
@@ -122,7 +121,7 @@ void addReportCommand(CLI::App& app, const GlobalOptions& global) {
       "left out, day by day");
   auto* from = command->add_option("--from", options->from, "First day (YYYY-MM-DD)");
   command->add_option("--to", options->to, "Last day (included); default today")->needs(from);
-  command->add_option("--last", options->last, "The last N days up to now, \"7d\" (the default) or \"2w\"")
+  command->add_option("--last", options->last, "The last N whole days, today included: \"7d\" (the default) or \"2w\"")
       ->excludes(from);
   command->add_option("--format", options->format, "text (the default), html or pdf")
       ->check(CLI::IsMember({"text", "html", "pdf"}));

@@ -1,5 +1,6 @@
 #include "log/data_folder.hpp"
 
+#include <cardiolith/platform/durable_file.hpp>
 #include <cardiolith/storage/storage_options.hpp>
 #include <cstdlib>
 #include <system_error>
@@ -53,16 +54,20 @@ void DataFolder::makeLibraryDefault() const {
 ReadingsLog::ReadingsLog(const DataFolder& folder, Access access)
     : lock_(folder.lockFile(),
             access == Access::change ? FolderLock::Mode::exclusive : FolderLock::Mode::shared),
+      history_(folder.historyFile()),
       store_(folder.locations(), StorageOptions{.durable = true}),
       document_(loadExisting(store_, access)) {}
 
 void ReadingsLog::save() {
+  std::optional<std::string> before;
   try {
+    before = durable_file::readIfPresent(file());
     store_.save(document_).get();
   } catch (const std::exception& error) {
     throw ToolError("couldn't save the readings to " + file().string() + ": " + error.what() +
                     "\nThe file still holds the log as it was before this command.");
   }
+  history_.recordWrite(file(), before);
 }
 
 }  // namespace cardiolith::tool

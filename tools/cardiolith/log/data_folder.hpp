@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "global_options.hpp"
+#include "log/change_history.hpp"
 #include "log/folder_lock.hpp"
 
 namespace cardiolith::tool {
@@ -21,6 +22,8 @@ class DataFolder {
   // The lock that serialises changes, "readings.lock" in the shared container beside the readings file.
   std::filesystem::path lockFile() const { return *locations_.sharedContainer / "readings.lock"; }
   std::filesystem::path tagsFile() const { return *locations_.sharedContainer / "tags"; }
+  // What cardiolith undo takes back: the tool's recent changes to the readings and tags files.
+  std::filesystem::path historyFile() const { return *locations_.sharedContainer / "undo-history"; }
 
   // Points the library's own default places at this folder, for library code that opens its stores
   // itself (the sample generator's tag list).
@@ -41,12 +44,13 @@ class ReadingsLog {
   ReadingList& readings() { return document_.readings; }
   const std::filesystem::path& file() const { return store_.localDataPath(); }
 
-  // Writes the document durably; for Access::change only. ToolError when it fails; the file then still holds
-  // the log as it was.
+  // Writes the document durably and records the change in the undo history; for Access::change only.
+  // ToolError when it fails; the file then still holds the log as it was.
   void save();
 
  private:
   FolderLock lock_;
+  ChangeHistory history_;
   ReadingsStore store_;
   Readings document_;
 };

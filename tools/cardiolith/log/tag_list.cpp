@@ -1,8 +1,8 @@
 #include "log/tag_list.hpp"
 
 #include <algorithm>
+#include <cardiolith/platform/durable_file.hpp>
 #include <cardiolith/platform/text.hpp>
-#include <cctype>
 
 #include "log/library_log.hpp"
 #include "tool_error.hpp"
@@ -18,17 +18,24 @@ std::filesystem::path mutingFirstUse(std::filesystem::path file) {
   return file;
 }
 
-std::string caseFolded(std::string_view title) {
-  std::string folded = text::canonical(title);
-  std::transform(folded.begin(), folded.end(), folded.begin(),
-                 [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-  return folded;
+// The file's bytes, for the undo history; an unreadable file is reported by the load itself.
+std::optional<std::string> readForHistory(const std::filesystem::path& file) {
+  try {
+    return durable_file::readIfPresent(file);
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
 }
+
+bool byLocale(const std::string& a, const std::string& b) { return text::localeCompare(a, b) < 0; }
 
 }  // namespace
 
 TagList::TagList(const DataFolder& folder)
-    : file_(mutingFirstUse(folder.tagsFile())), manager_(folder.locations(), StorageOptions{.durable = true}) {
+    : file_(mutingFirstUse(folder.tagsFile())),
+      history_(folder.historyFile()),
+      savedContent_(readForHistory(file_)),
+      manager_(folder.locations(), StorageOptions{.durable = true}) {
   manager_.waitUntilLoaded();
 }
 
@@ -39,10 +46,10 @@ std::optional<Tag> TagList::lookUp(std::string_view title) const {
   for (const auto& tag : tags) {
     if (text::canonicallyEqual(tag.title, title)) return tag;
   }
-  const std::string folded = caseFolded(title);
+  const std::string folded = text::caseFolded(title);
   std::optional<Tag> match;
   for (const auto& tag : tags) {
-    if (caseFolded(tag.title) != folded) continue;
+    if (text::caseFolded(tag.title) != folded) continue;
     if (match) return std::nullopt;  // "morning" with both "Morning" and "MORNING": ask for the exact title
     match = tag;
   }
@@ -51,11 +58,8 @@ std::optional<Tag> TagList::lookUp(std::string_view title) const {
 
 Tag TagList::find(std::string_view title) const {
   if (auto tag = lookUp(title)) return *tag;
-  std::vector<std::string> known;
-  for (const auto& tag : manager_.tags()) known.push_back("\"" + tag.title + "\"");
-  std::sort(known.begin(), known.end());
   std::string list;
-  for (const auto& entry : known) list += (list.empty() ? "" : ", ") + entry;
+  for (const auto& known : sortedTitles()) list += (list.empty() ? "\"" : ", \"") + known + "\"";
   throw ToolError("there is no tag \"" + std::string(title) + "\"; the tags are: " +
                   (list.empty() ? "(none)" : list) + "\nAdd a new one with: cardiolith tags add TITLE");
 }
@@ -64,6 +68,14 @@ std::vector<std::string> TagList::titles(const std::optional<std::set<UUID>>& id
   std::vector<std::string> result;
   if (!ids) return result;
   for (const auto& tag : manager_.tags(*ids)) result.push_back(tag.title);
+  std::stable_sort(result.begin(), result.end(), byLocale);
+  return result;
+}
+
+std::vector<std::string> TagList::sortedTitles() const {
+  std::vector<std::string> result;
+  for (const auto& tag : manager_.tags()) result.push_back(tag.title);
+  std::stable_sort(result.begin(), result.end(), byLocale);
   return result;
 }
 
@@ -81,6 +93,10 @@ void TagList::finishSaving() {
     // The library has logged the reason already; it is printed above this line.
     throw ToolError("the tags could not be saved to " + file_.string() + " (see the message above)");
   }
+  const auto saved = readForHistory(file_);
+  if (saved == savedContent_) return;
+  history_.recordWrite(file_, savedContent_);
+  savedContent_ = saved;
 }
 
 }  // namespace cardiolith::tool

@@ -2,6 +2,7 @@
 
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
 
+#include "input/reading_id_input.hpp"
 #include "render/category_text.hpp"
 
 namespace cardiolith::tool {
@@ -39,6 +40,11 @@ std::string describeValues(const Reading& reading) {
   return std::to_string(reading.systolic()) + "/" + std::to_string(reading.diastolic()) + " mmHg, pulse " +
          std::to_string(reading.pulse()) + ": " +
          std::string(categoryName(BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic())));
+}
+
+std::string describeWithId(const ReadingList& readings, const Reading& reading) {
+  return shortIdIn(readings, reading) + "  " + displayDateFormatter().string(reading.date()) + "  " +
+         describeValues(reading);
 }
 
 }  // namespace cardiolith::tool

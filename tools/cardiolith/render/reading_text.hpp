@@ -20,5 +20,7 @@ std::string joined(const std::vector<std::string>& items, std::string_view separ
 
 // "128/82 mmHg, pulse 71: High".
 std::string describeValues(const Reading& reading);
+// "1A2B3C4D  2026-11-20 07:45  128/82 mmHg, pulse 71: High", with the reading's short id in `readings`.
+std::string describeWithId(const ReadingList& readings, const Reading& reading);
 
 }  // namespace cardiolith::tool

@@ -19,7 +19,7 @@ TEST_F(InvocationTest, WithoutDataDirTheLogLivesInTheDefaultPlaces) {
   environment_["CARDIOLITH_DOCUMENTS_DIR"] = (root_ / "documents").string();
   ASSERT_EQ(run({"add", "120/80/60"}, false).exitCode, 0);
   EXPECT_TRUE(std::filesystem::exists(container / "readings"));
-  EXPECT_TRUE(std::filesystem::exists(container / "readings.lock"));
+  EXPECT_FALSE(std::filesystem::exists(container / "readings.lock"));  // the folder itself is locked
   EXPECT_THAT(run({"list"}, false).out, HasSubstr("120   80     60"));
 }
 
@@ -41,6 +41,29 @@ TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
   EXPECT_EQ(succeed({"classify", "150/85", "--json"}),
             R"({"systolic":150,"diastolic":85,"category":"high","name":"High"})"
             "\n");
+}
+
+TEST_F(InvocationTest, VersionComesFromTheBuild) {
+  EXPECT_EQ(succeed({"--version"}), "cardiolith " CARDIOLITH_VERSION "\n");
+  EXPECT_EQ(succeed({"version"}), "cardiolith " CARDIOLITH_VERSION "\n");
+}
+
+// Values the argument parser refuses are explained like every other error: what is expected, an example.
+TEST_F(InvocationTest, ParserErrorsSayWhatIsExpected) {
+  const std::vector<std::pair<Arguments, std::string>> cases{
+      {{"add", "120/80", "--pulse", "71.0"},
+       "--pulse takes a whole number of beats per minute, e.g. --pulse 71"},
+      {{"sample", "--count", "0"},
+       "--count takes a whole number of readings from 1 to 100000, e.g. --count 30"},
+      {{"export", "--format", "xls"}, "--format takes csv or tsv, e.g. --format tsv"},
+      {{"list", "--bogus"}, "--bogus\nSee cardiolith --help, or the command's own --help"},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const auto result = run(arguments);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.err, ::testing::StartsWith("cardiolith: "));
+    EXPECT_THAT(result.err, HasSubstr(message));
+  }
 }
 
 }  // namespace

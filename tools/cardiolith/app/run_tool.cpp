@@ -4,7 +4,10 @@
 #include <cardiolith/platform/process_info.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
 
+#include "app/usage_error.hpp"
+#include "app/version.hpp"
 #include "commands/commands.hpp"
 #include "global_options.hpp"
 #include "log/library_log.hpp"
@@ -17,8 +20,9 @@ constexpr int usageError = 2;
 
 int parseAndRun(int argc, char** argv) {
   // The library reads launch arguments for itself, and "DELETE_ALL_RECORDS" among them empties the log.
-  // A note or a tag title is not a launch argument: the library sees the program name only.
-  cardiolith::ProcessInfo::setArguments({argc > 0 ? argv[0] : "cardiolith"});
+  // Neither a note nor the name the tool was started under (a link, exec -a) is a launch argument: the
+  // library sees a fixed program name only.
+  cardiolith::ProcessInfo::setArguments({"cardiolith"});
   LibraryLog::install();
 
   GlobalOptions global;
@@ -28,6 +32,10 @@ int parseAndRun(int argc, char** argv) {
   app.require_subcommand(0, 1);
   app.add_option("--data-dir", global.dataDir,
                  "Keep the log in this folder (created if needed) instead of the default places");
+  app.set_version_flag("--version", "cardiolith " + std::string(kVersion), "Print the version and exit");
+  app.add_subcommand("version", "Print the version")->callback([] {
+    std::cout << "cardiolith " << kVersion << '\n';
+  });
   app.footer(
       "Start with:  cardiolith add 128/82 --pulse 71\n"
       "Each command has its own --help.");
@@ -43,9 +51,11 @@ int parseAndRun(int argc, char** argv) {
 
   try {
     app.parse(argc, argv);
+  } catch (const CLI::Success& request) {  // --help, --version
+    return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    const int status = app.exit(error);
-    return status == 0 ? 0 : usageError;
+    std::cerr << "cardiolith: " << usageErrorText(error) << '\n';
+    return usageError;
   }
   if (app.get_subcommands().empty()) std::cout << app.help();
   return 0;

@@ -112,7 +112,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   for (const auto& reading : selection)
     request.points.push_back({reading->date(), reading->systolic(), reading->diastolic()});
 
-  writeOutputFile(options.out, renderChart(request), {log.file(), folder.tagsFile(), folder.lockFile()});
+  writeOutputFile(options.out, renderChart(request), folder.ownFiles());
   std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
 }
 

@@ -101,7 +101,7 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
     std::cout << text;
     return;
   }
-  writeOutputFile(*options.out, text, {log.file(), folder.tagsFile(), folder.lockFile()});
+  writeOutputFile(*options.out, text, folder.ownFiles());
   std::cout << "Exported " << log.readings().size() << " readings to " << *options.out << '\n';
 }
 

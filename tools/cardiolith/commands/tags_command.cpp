@@ -62,7 +62,7 @@ void listTags(const GlobalOptions& global) {
 template <class Change>
 void changeTags(const GlobalOptions& global, Change change) {
   const DataFolder folder(global);
-  const FolderLock lock(folder.lockFile(), FolderLock::Mode::exclusive);
+  const FolderLock lock = folder.lockForChange();
   TagList tags(folder);
   tags.requireReadable();
   change(tags);

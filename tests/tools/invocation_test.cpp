@@ -32,7 +32,8 @@ TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
       {"150/85", "high", "High"},
       {"140/80", "veryHigh", "Very high (systolic 140 or more, or diastolic 90 or more)"},
       {"100/90", "veryHigh", "Very high"},
-      {"85/70", "unreadable", "Unreadable (the pair fits no category)"},
+      {"85/70", "unreadable",
+       "No category (outside the table) (no row of the category table holds this pair)"},
   };
   for (const auto& [pair, key, text] : cases) {
     EXPECT_THAT(succeed({"classify", pair}), ::testing::StartsWith(pair + " mmHg: " + text)) << pair;

@@ -50,7 +50,6 @@ TEST_P(RefusalTest, ExplainsAndChangesNothing) {
 }
 
 const std::string kNotAReading = " is not a blood-pressure reading; write systolic/diastolic";
-const std::string kNotAPair = " is not a blood-pressure pair; write systolic/diastolic";
 const std::string kReversed = "the range ends before it starts";
 const std::string kOverTheLog = "won't write over {data}/readings";
 const std::string kUnreadableLog = "can't read the readings file {data}/readings: invalid JSON";
@@ -91,8 +90,8 @@ INSTANTIATE_TEST_SUITE_P(
         {"SummaryToAlone", {"summary", "--to", "2026-03-08"}, 2, "--to requires --from"},
         {"SummaryDaysAndFrom", {"summary", "--days", "7", "--from", "2026-03-01"}, 2, "excludes"},
         {"SummaryReversed", {"summary", "--from", "2026-03-08", "--to", "2026-03-01"}, 1, kReversed},
-        {"ClassifyWithPulse", {"classify", "135/95/70"}, 1, kNotAPair},
-        {"ClassifyNegative", {"classify", "135/-95"}, 1, kNotAPair},
+        {"ClassifyFourNumbers", {"classify", "135/95/70/1"}, 1, kNotAReading},
+        {"ClassifyNegative", {"classify", "135/-95"}, 1, kNotAReading},
         {"ExportUnknownFormat", {"export", "--format", "xlsx"}, 2, "--format"},
         {"ExportIntoNoFolder", {"export", "--out", "{data}/no/x.csv"}, 1, "couldn't write {data}/no/x.csv"},
         {"ExportOverTheLog", {"export", "--out", "{data}/./readings"}, 1, kOverTheLog},
@@ -102,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"SampleNone", {"sample", "--count", "0"}, 2, "--count"},
         {"SampleNoVariance", {"sample", "--variance", "0"}, 2, "--variance"},
         {"TagsTakenInOtherCase", {"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
-        {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that isn't blank"},
+        {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that shows something"},
         {"TagsShortColour", {"tags", "add", "Walk", "--color", "abc"}, 1, "--color: \"abc\" is not a colour"},
         {"TagsColourNotHex", {"tags", "add", "Walk", "--color", "12345g"}, 1, "is not a colour"},
         {"TagsRenameToTaken", {"tags", "rename", "Morning", "Evening"}, 1, "already a tag \"Evening\""},

@@ -17,7 +17,7 @@ TEST(CategoryTextTest, RulesSpellOutTheTableRows) {
   EXPECT_EQ(categoryRule(Category::normal), "systolic 90-120 and diastolic 60-80");
   EXPECT_EQ(categoryRule(Category::high), "systolic 130-139, or diastolic 81-89");
   EXPECT_EQ(categoryRule(Category::veryHigh), "systolic 140 or more, or diastolic 90 or more");
-  EXPECT_EQ(categoryRule(Category::unreadable), "the pair fits no category");
+  EXPECT_EQ(categoryRule(Category::unreadable), "no row of the category table holds this pair");
 }
 
 // Band edges lie halfway between the last value of one category and the first of the next; diastolic has

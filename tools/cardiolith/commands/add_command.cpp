@@ -15,6 +15,7 @@
 #include "input/pressure_input.hpp"
 #include "log/data_folder.hpp"
 #include "log/tag_list.hpp"
+#include "render/category_text.hpp"
 #include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
@@ -80,8 +81,9 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
   // locale data.
   std::string report =
       "Added " + displayDateFormatter().string(date) + "  " + describeValues(*reading) + "\n";
-  if (tagList) report += "  Tags: " + joined(tagList->titles(reading->tagIDs()), ", ") + "\n";
+  if (tagList) report += "  Tags: " + singleLine(joined(tagList->titles(reading->tagIDs()), ", ")) + "\n";
   if (reading->notes()) report += "  Note: " + singleLine(*reading->notes()) + "\n";
+  if (isHypertensiveCrisis(input.systolic, input.diastolic)) report += std::string(kCrisisAdvice) + "\n";
 
   {
     ReadingsLog log(folder, ReadingsLog::Access::change);

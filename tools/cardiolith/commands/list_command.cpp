@@ -79,7 +79,8 @@ void printTable(const ReadingList& readings, const TagList& tags) {
     table.addRow({displayDateFormatter().string(reading->date()), std::to_string(reading->systolic()),
                   std::to_string(reading->diastolic()), std::to_string(reading->pulse()),
                   std::string(categoryName(categoryOf(*reading))),
-                  joined(tags.titles(reading->tagIDs()), ", "), singleLine(reading->notes().value_or(""))});
+                  singleLine(joined(tags.titles(reading->tagIDs()), ", ")),
+                  singleLine(reading->notes().value_or(""))});
   }
   table.print(std::cout);
 }

@@ -10,6 +10,7 @@
 #include "log/data_folder.hpp"
 #include "log/folder_lock.hpp"
 #include "log/tag_list.hpp"
+#include "render/reading_text.hpp"
 #include "render/text_table.hpp"
 #include "tool_error.hpp"
 
@@ -33,17 +34,31 @@ std::string checkedColor(std::string color) {
   return color;
 }
 
+constexpr std::size_t maximumTitleLength = 100;
+
+// A title that shows as typed: readable on one line, visible, and short enough for a list or a table.
 std::string checkedTitle(const std::string& title) {
-  if (title.find_first_not_of(" \t") == std::string::npos)
-    throw ToolError("a tag needs a title that isn't blank");
   if (!text::isValidUTF8(title)) throw ToolError("the tag title is not valid UTF-8");
+  if (text::isBlank(title))
+    throw ToolError(
+        "a tag needs a title that shows something, not only spaces; e.g. cardiolith tags add Clinic");
+  if (text::printable(title) != title) {
+    throw ToolError(
+        "a tag title can't hold line breaks, tabs, control characters or direction overrides; write it on "
+        "one "
+        "line, e.g. cardiolith tags add \"After walk\"");
+  }
+  if (text::codePointCount(title) > maximumTitleLength) {
+    throw ToolError("the tag title has " + std::to_string(text::codePointCount(title)) +
+                    " characters; at most 100 are allowed, e.g. cardiolith tags add \"After walk\"");
+  }
   return title;
 }
 
 void refuseTakenTitle(const TagList& tags, const std::string& title, const UUID* renamed = nullptr) {
   const auto existing = tags.lookUp(title);
   if (existing && (renamed == nullptr || existing->id != *renamed)) {
-    throw ToolError("there is already a tag \"" + existing->title + "\"");
+    throw ToolError("there is already a tag \"" + singleLine(existing->title) + "\"");
   }
 }
 
@@ -54,7 +69,7 @@ void listTags(const GlobalOptions& global) {
   std::stable_sort(list.begin(), list.end(),
                    [](const Tag& a, const Tag& b) { return text::canonicalCompare(a.title, b.title) < 0; });
   TextTable table({{"Tag"}, {"Colour"}});
-  for (const auto& tag : list) table.addRow({tag.title, "#" + tag.colorHex});
+  for (const auto& tag : list) table.addRow({singleLine(tag.title), "#" + tag.colorHex});
   table.print(std::cout);
 }
 
@@ -89,7 +104,7 @@ void renameTag(const TagsOptions& options, const GlobalOptions& global) {
     // The id stays, so every reading that carries the tag shows the new title.
     tags.manager().update(Tag{tag.id, newTitle, tag.colorHex});
   });
-  std::cout << "Renamed tag \"" << oldTitle << "\" to \"" << newTitle << "\"\n";
+  std::cout << "Renamed tag \"" << singleLine(oldTitle) << "\" to \"" << newTitle << "\"\n";
 }
 
 void deleteTag(const TagsOptions& options, const GlobalOptions& global) {
@@ -99,7 +114,7 @@ void deleteTag(const TagsOptions& options, const GlobalOptions& global) {
     title = tag.title;
     tags.manager().deleteTag(tag);
   });
-  std::cout << "Deleted tag \"" << title << "\"; readings that carried it keep their values\n";
+  std::cout << "Deleted tag \"" << singleLine(title) << "\"; readings that carried it keep their values\n";
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cctype>
 
 #include "log/library_log.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -57,12 +58,17 @@ std::optional<Tag> TagList::lookUp(std::string_view title) const {
 
 Tag TagList::find(std::string_view title) const {
   if (auto tag = lookUp(title)) return *tag;
+  // A long list would bury the message; the whole list is one command away.
+  constexpr std::size_t mostListed = 20;
   std::vector<std::string> known;
-  for (const auto& tag : manager_.tags()) known.push_back("\"" + tag.title + "\"");
+  for (const auto& tag : manager_.tags()) known.push_back("\"" + singleLine(tag.title) + "\"");
   std::sort(known.begin(), known.end());
   std::string list;
-  for (const auto& entry : known) list += (list.empty() ? "" : ", ") + entry;
-  throw ToolError("there is no tag \"" + std::string(title) + "\"; the tags are: " +
+  for (std::size_t i = 0; i < known.size() && i < mostListed; ++i)
+    list += (list.empty() ? "" : ", ") + known[i];
+  if (known.size() > mostListed)
+    list += " and " + std::to_string(known.size() - mostListed) + " more (cardiolith tags lists them all)";
+  throw ToolError("there is no tag \"" + singleLine(title) + "\"; the tags are: " +
                   (list.empty() ? "(none)" : list) + "\nAdd a new one with: cardiolith tags add TITLE");
 }
 

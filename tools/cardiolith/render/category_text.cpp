@@ -26,7 +26,8 @@ CategoryWords wordsOf(BloodPressureAnalysis category) {
     case BloodPressureAnalysis::unreadable:
       break;
   }
-  return {"Unreadable", "unreadable"};
+  // The library's name says the pair could not be classified; to a person the reading itself is fine.
+  return {"No category (outside the table)", "unreadable"};
 }
 
 constexpr auto unbounded = std::numeric_limits<std::int64_t>::max();
@@ -57,7 +58,7 @@ std::string categoryRule(BloodPressureAnalysis category) {
   for (const auto& row : categoryTable) {
     if (row.category == category) rule += (rule.empty() ? "" : ", or ") + rowText(row);
   }
-  return rule.empty() ? "the pair fits no category" : rule;
+  return rule.empty() ? "no row of the category table holds this pair" : rule;
 }
 
 std::vector<CategoryBand> categoryBands(Pressure pressure) {

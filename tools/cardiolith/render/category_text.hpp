@@ -9,6 +9,10 @@ namespace cardiolith::tool {
 
 // The category in words for people ("Very high").
 std::string_view categoryName(BloodPressureAnalysis category);
+// The advice for a reading in the hypertensive-crisis range (isHypertensiveCrisis), one line.
+inline constexpr std::string_view kCrisisAdvice =
+    "This is in the hypertensive-crisis range (180 or more systolic, or 120 or more diastolic): measure "
+    "again after a few minutes; if it stays this high, seek medical help.";
 // The category's stable identifier for scripts ("veryHigh").
 std::string_view categoryKey(BloodPressureAnalysis category);
 // The pressures that make the category, in words, from the library's decision table ("systolic 140 or

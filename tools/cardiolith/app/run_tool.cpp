@@ -32,6 +32,9 @@ int parseAndRun(int argc, char** argv) {
   app.require_subcommand(0, 1);
   app.add_option("--data-dir", global.dataDir,
                  "Keep the log in this folder (created if needed) instead of the default places");
+  app.add_option("--color,--colour", global.color,
+                 "Colour the categories: auto (on a terminal, unless NO_COLOR is set), always or never")
+      ->check(CLI::IsMember({"auto", "always", "never"}));
   app.set_version_flag("--version", "cardiolith " + std::string(kVersion), "Print the version and exit");
   app.add_subcommand("version", "Print the version")->callback([] {
     std::cout << "cardiolith " << kVersion << '\n';

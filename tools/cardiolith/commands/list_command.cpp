@@ -15,6 +15,7 @@
 #include "render/category_text.hpp"
 #include "render/json_writer.hpp"
 #include "render/reading_text.hpp"
+#include "render/terminal.hpp"
 #include "render/text_table.hpp"
 
 namespace cardiolith::tool {
@@ -25,6 +26,7 @@ struct ListOptions {
   std::optional<std::string> to;
   std::optional<std::string> last;
   bool json = false;
+  bool wide = false;
 };
 
 struct DateRange {
@@ -66,7 +68,9 @@ void printJson(const ReadingList& readings, const TagList& tags) {
   std::cout << '\n';
 }
 
-void printTable(const ReadingList& readings, const TagList& tags) {
+// One row per reading; on a terminal, shortened to its width (unless --wide) and with coloured categories.
+void printTable(const ReadingList& readings, const TagList& tags, const ListOptions& options,
+                const GlobalOptions& global) {
   using Align = TextTable::Align;
   TextTable table({{"Date"},
                    {"Sys", Align::right},
@@ -82,7 +86,14 @@ void printTable(const ReadingList& readings, const TagList& tags) {
                   singleLine(joined(tags.titles(reading->tagIDs()), ", ")),
                   singleLine(reading->notes().value_or(""))});
   }
-  table.print(std::cout);
+  constexpr std::size_t categoryColumn = 4;
+  const TerminalStyle style = standardOutputStyle(global.color);
+  TextTable::PrintOptions print;
+  if (!options.wide) print.width = style.width;
+  print.decorate = [&](std::size_t row, std::size_t column, const std::string& padded) {
+    return column == categoryColumn ? colored(padded, categoryOf(*readings[row]), style.color) : padded;
+  };
+  table.print(std::cout, print);
 }
 
 void runList(const ListOptions& options, const GlobalOptions& global) {
@@ -101,7 +112,7 @@ void runList(const ListOptions& options, const GlobalOptions& global) {
     std::cout << "No readings in that range; the log holds " << log.readings().size()
               << " in all (cardiolith list shows every one).\n";
   } else {
-    printTable(selection, tags);
+    printTable(selection, tags, options, global);
   }
 }
 
@@ -117,6 +128,8 @@ void addListCommand(CLI::App& app, const GlobalOptions& global) {
       ->excludes(from)
       ->excludes(to);
   command->add_flag("--json", options->json, "Write JSON for scripts instead of a table");
+  command->add_flag("--wide", options->wide,
+                    "Show whole notes, even where lines get longer than the terminal");
   command->callback([options, &global] { runList(*options, global); });
 }
 

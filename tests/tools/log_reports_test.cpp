@@ -95,8 +95,7 @@ TEST_F(LogReportsTest, ExportWritesOneRowPerReadingOldestFirst) {
   // Each column is there only when asked for, in the header and in every row; a TSV cell loses its tabs.
   const std::vector<std::pair<Arguments, std::vector<std::string>>> cases{
       {{"export"}, {"Date,Systolic,Diastolic,Pulse", "2026-03-05 20:00,132,86,72"}},
-      {{"export", "--notes"},
-       {"Date,Systolic,Diastolic,Pulse,Notes", "2026-03-05 20:00,132,86,72,tab here"}},
+      {{"export", "--notes"}, {"Date,Systolic,Diastolic,Pulse,Notes", "2026-03-05 20:00,132,86,72,tab here"}},
       {{"export", "--format", "tsv", "--tags", "--notes"},
        {"Date\tSystolic\tDiastolic\tPulse\tTags\tNotes", "2026-03-05 20:00\t132\t86\t72\t\ttab here"}},
   };

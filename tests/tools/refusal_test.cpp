@@ -53,7 +53,8 @@ const std::string kNotAReading = " is not a blood-pressure reading; write systol
 const std::string kReversed = "the range ends before it starts";
 const std::string kOverTheLog = "won't write over {data}/readings";
 const std::string kUnreadableLog = "can't read the readings file {data}/readings: invalid JSON";
-const std::string kUnreadableTags = "can't read the tags file {data}/tags; nothing was changed";
+const std::string kUnreadableTags =
+    "can't change the tags while the tags file {data}/tags can't be read; nothing was changed";
 const std::string kLeftAsItIs = "\nNothing was changed: the file is left exactly as it is.";
 const std::string kAboveEveryRange =
     "not added: the systolic pressure 301 is outside 40-300 mmHg; the diastolic pressure 201 is outside "

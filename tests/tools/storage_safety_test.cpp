@@ -157,5 +157,29 @@ TEST_F(StorageSafetyTest, TwoReadingsFilesAreNamedInOneWarningPerCommand) {
   }
 }
 
+TEST_F(StorageSafetyTest, AnUnreadableTagsFileIsNamedOncePerCommandWithWhatToDo) {
+  succeed({"add", "120/80/60"});
+  writeFile(tagsFile_, "[{\"id\": broken");
+  for (const Arguments& command : {Arguments{"list"}, Arguments{"tags"}, Arguments{"export", "--tags"}}) {
+    const auto result = run(command);
+    EXPECT_EQ(result.exitCode, 0) << command.front();
+    ASSERT_EQ(lines(result.err).size(), 1u) << result.err;
+    EXPECT_THAT(result.err, HasSubstr("can't read the tags file " + tagsFile_.string() + " ("));
+    EXPECT_THAT(result.err, HasSubstr("Move it aside (or restore it from a backup)"));
+  }
+}
+
+TEST_F(StorageSafetyTest, InfoNamesTheFilesAndWhatTheyHold) {
+  EXPECT_THAT(succeed({"info"}), HasSubstr("Readings file: " + readingsFile_.string() +
+                                           "\n  not there yet: the first cardiolith add creates it"));
+  succeed({"add", "120/80/60", "--at", "2026-01-02 08:00"});
+  succeed({"add", "121/80/60", "--at", "2026-03-04 09:00"});
+  const auto info = succeed({"info"});
+  EXPECT_THAT(info, HasSubstr("Data folder: " + data_.string() + " (chosen with --data-dir)"));
+  EXPECT_THAT(info, HasSubstr("2 readings, from 2026-01-02 08:00 to 2026-03-04 09:00"));
+  EXPECT_THAT(info, HasSubstr("Tags file: " + tagsFile_.string()));
+  EXPECT_THAT(info, HasSubstr("Lock: the data folder itself"));
+}
+
 }  // namespace
 }  // namespace cardiolith::tool::testing

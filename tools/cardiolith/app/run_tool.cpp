@@ -51,6 +51,7 @@ int parseAndRun(int argc, char** argv) {
   addTagsCommand(app, global);
   addSampleCommand(app, global);
   addChartCommand(app, global);
+  addInfoCommand(app, global);
 
   try {
     app.parse(argc, argv);

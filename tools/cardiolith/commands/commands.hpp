@@ -16,5 +16,6 @@ void addExportCommand(CLI::App& app, const GlobalOptions& global);
 void addTagsCommand(CLI::App& app, const GlobalOptions& global);
 void addSampleCommand(CLI::App& app, const GlobalOptions& global);
 void addChartCommand(CLI::App& app, const GlobalOptions& global);
+void addInfoCommand(CLI::App& app, const GlobalOptions& global);
 
 }  // namespace cardiolith::tool

@@ -44,13 +44,15 @@ void LibraryLog::mute(std::string prefix) {
   log.mutedPrefixes.push_back(std::move(prefix));
 }
 
-bool LibraryLog::hasLogged(std::string_view prefix) {
+bool LibraryLog::hasLogged(std::string_view prefix) { return firstLogged(prefix).has_value(); }
+
+std::optional<std::string> LibraryLog::firstLogged(std::string_view prefix) {
   auto& log = state();
   std::lock_guard lock(log.mutex);
   for (const auto& message : log.errors) {
-    if (startsWith(message, prefix)) return true;
+    if (startsWith(message, prefix)) return message;
   }
-  return false;
+  return std::nullopt;
 }
 
 }  // namespace cardiolith::tool

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,8 @@ class LibraryLog {
   static void mute(std::string prefix);
   // Whether an error message beginning with `prefix` has been logged since install().
   static bool hasLogged(std::string_view prefix);
+  // The first error message beginning with `prefix` logged since install(), if any.
+  static std::optional<std::string> firstLogged(std::string_view prefix);
 };
 
 }  // namespace cardiolith::tool

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cardiolith/platform/text.hpp>
 #include <cctype>
+#include <iostream>
 
 #include "log/library_log.hpp"
 #include "render/reading_text.hpp"
@@ -14,13 +15,11 @@ namespace {
 constexpr std::string_view loadFailure = "Unable to load tags";
 constexpr std::string_view saveFailure = "Failed to save tags";
 
-bool existsMutingFirstUse(const std::filesystem::path& file) {
+// The library's own message names no file and says nothing of what to do; TagList says both, once.
+bool existsMutingLoadFailure(const std::filesystem::path& file) {
+  LibraryLog::mute(std::string(loadFailure));
   std::error_code error;
-  const bool exists = std::filesystem::exists(file, error);
-  // Before the first tag change there is no tags file and the library falls back on the default tags;
-  // that is the normal start, not something to warn about.
-  if (!exists) LibraryLog::mute(std::string(loadFailure));
-  return exists;
+  return std::filesystem::exists(file, error);
 }
 
 std::string caseFolded(std::string_view title) {
@@ -34,9 +33,18 @@ std::string caseFolded(std::string_view title) {
 
 TagList::TagList(const DataFolder& folder)
     : file_(folder.tagsFile()),
-      fileExisted_(existsMutingFirstUse(file_)),
+      fileExisted_(existsMutingLoadFailure(file_)),
       manager_(folder.locations(), StorageOptions{.durable = true}) {
   manager_.waitUntilLoaded();
+  // Before the first tag change there is no tags file and the library falls back on the default tags;
+  // that is the normal start, not something to warn about.
+  if (!fileExisted_) return;
+  if (const auto failure = LibraryLog::firstLogged(loadFailure)) {
+    std::cerr << "cardiolith: can't read the tags file " << file_.string() << " ("
+              << failure->substr(std::min(failure->size(), loadFailure.size() + 2))
+              << "); the default tags stand in for it. Move it aside (or restore it from a backup) to use "
+                 "your tags again.\n";
+  }
 }
 
 TagList::~TagList() { manager_.waitForPendingSaves(); }
@@ -81,8 +89,9 @@ std::vector<std::string> TagList::titles(const std::optional<std::set<UUID>>& id
 
 void TagList::requireReadable() const {
   if (fileExisted_ && LibraryLog::hasLogged(loadFailure)) {
-    throw ToolError("can't read the tags file " + file_.string() +
-                    "; nothing was changed. Move it aside (or restore it from a backup) to change the tags.");
+    throw ToolError(
+        "can't change the tags while the tags file " + file_.string() +
+        " can't be read; nothing was changed. Move it aside (or restore it from a backup) first.");
   }
 }
 

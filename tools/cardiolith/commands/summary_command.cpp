@@ -15,6 +15,7 @@
 #include "render/json_writer.hpp"
 #include "render/reading_text.hpp"
 #include "render/text_table.hpp"
+#include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
@@ -37,6 +38,13 @@ Period chosenPeriod(const SummaryOptions& options) {
   if (options.from) {
     const Date start = parseDateTime(*options.from, "--from");
     const Date end = options.to ? parseRangeEnd(*options.to, "--to") : now;
+    // Without --to the period ends now, so the fault is the start's, and the message must say so.
+    if (!options.to && start > now) {
+      throw ToolError("--from: " + *options.from +
+                      " is in the future, and the period runs from it to now; give a day before today, e.g. "
+                      "--from " +
+                      displayDateFormatter().string(now.addingDays(-30)).substr(0, 10));
+    }
     requireOrdered(start, end);
     return {start, end, "From " + *options.from + " to " + options.to.value_or("now")};
   }

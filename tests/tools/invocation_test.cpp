@@ -1,6 +1,7 @@
 // What needs no data folder: the default places for the log, and classify.
 
 #include <array>
+#include <cstdio>
 
 #include "tool_test.hpp"
 
@@ -47,6 +48,34 @@ TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
 TEST_F(InvocationTest, VersionComesFromTheBuild) {
   EXPECT_EQ(succeed({"--version"}), "cardiolith " CARDIOLITH_VERSION "\n");
   EXPECT_EQ(succeed({"version"}), "cardiolith " CARDIOLITH_VERSION "\n");
+}
+
+// The bash script, sourced by bash, completes commands, subcommands, options and their values.
+TEST_F(InvocationTest, BashCompletionOffersCommandsOptionsAndValues) {
+  const auto script = root_ / "cardiolith.bash", driver = root_ / "complete.sh";
+  writeFile(script, succeed({"completion", "bash"}));
+  // Completes the last of its arguments, as bash does when the user presses Tab there.
+  writeFile(driver,
+            "source \"$1\"; shift\n"
+            "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _cardiolith; echo \"${COMPREPLY[*]}\"\n");
+  const std::vector<std::pair<Arguments, std::string>> cases{
+      {{"ex"}, "export"},          {{"tags", "a"}, "add"},      {{"export", "--format", ""}, "csv tsv"},
+      {{"--color", "n"}, "never"}, {{"list", "--w"}, "--wide"}, {{"completion", "f"}, "fish"},
+  };
+  for (const auto& [words, expected] : cases) {
+    std::string command = "bash " + driver.string() + " " + script.string() + " cardiolith";
+    for (const auto& word : words) command += " '" + word + "'";
+    std::string completed;
+    if (FILE* pipe = ::popen(command.c_str(), "r")) {
+      char buffer[256];
+      while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) completed += buffer;
+      ::pclose(pipe);
+    }
+    EXPECT_EQ(completed, expected + "\n") << command;
+  }
+  EXPECT_THAT(succeed({"completion", "zsh"}), ::testing::StartsWith("#compdef cardiolith\n"));
+  EXPECT_THAT(succeed({"completion", "fish"}),
+              HasSubstr("complete -c cardiolith -n 'not __fish_seen_subcommand_from"));
 }
 
 // Values the argument parser refuses are explained like every other error: what is expected, an example.

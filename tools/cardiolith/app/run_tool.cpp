@@ -6,6 +6,7 @@
 #include <iostream>
 #include <string>
 
+#include "app/completion.hpp"
 #include "app/usage_error.hpp"
 #include "app/version.hpp"
 #include "commands/commands.hpp"
@@ -52,6 +53,7 @@ int parseAndRun(int argc, char** argv) {
   addSampleCommand(app, global);
   addChartCommand(app, global);
   addInfoCommand(app, global);
+  addCompletionCommand(app);
 
   try {
     app.parse(argc, argv);

@@ -14,11 +14,17 @@
 namespace cardiolith::tool {
 namespace {
 
+// Whether the variable holds a path the library takes (it ignores relative ones).
+bool setToAbsolutePath(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr && value[0] == '/';
+}
+
 // Why the log's files are where they are.
 std::string placeReason(const GlobalOptions& global) {
   if (global.dataDir) return "chosen with --data-dir";
-  if (std::getenv("CARDIOLITH_GROUP_CONTAINER") != nullptr) return "from $CARDIOLITH_GROUP_CONTAINER";
-  if (std::getenv("XDG_DATA_HOME") != nullptr) return "the default place under $XDG_DATA_HOME";
+  if (setToAbsolutePath("CARDIOLITH_GROUP_CONTAINER")) return "from $CARDIOLITH_GROUP_CONTAINER";
+  if (setToAbsolutePath("XDG_DATA_HOME")) return "the default place under $XDG_DATA_HOME";
   return "the default place, ~/.local/share/group.cardiolith";
 }
 

@@ -86,7 +86,7 @@ TEST_F(InvocationTest, ParserErrorsSayWhatIsExpected) {
       {{"sample", "--count", "0"},
        "--count takes a whole number of readings from 1 to 100000, e.g. --count 30"},
       {{"export", "--format", "xls"}, "--format takes csv or tsv, e.g. --format tsv"},
-      {{"list", "--bogus"}, "--bogus\nSee cardiolith --help, or the command's own --help"},
+      {{"list", "--bogus"}, "--bogus\nSee cardiolith list --help for what it takes."},
   };
   for (const auto& [arguments, message] : cases) {
     const auto result = run(arguments);

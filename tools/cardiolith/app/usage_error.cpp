@@ -23,7 +23,7 @@ constexpr std::array expectations{
 
 }  // namespace
 
-std::string usageErrorText(const CLI::ParseError& error) {
+std::string usageErrorText(const CLI::ParseError& error, const std::string& command) {
   const std::string_view message = error.what();
   if (error.get_name() == "ConversionError" || error.get_name() == "ValidationError") {
     for (const auto& expectation : expectations) {
@@ -33,8 +33,17 @@ std::string usageErrorText(const CLI::ParseError& error) {
       }
     }
   }
-  return std::string(message) +
-         "\nSee cardiolith --help, or the command's own --help (e.g. cardiolith add --help).";
+  return std::string(message) + "\nSee " + command + " --help for what it takes.";
+}
+
+std::string parsedCommand(const CLI::App& app) {
+  std::string command = app.get_name();
+  for (const CLI::App* level = &app;;) {
+    const auto parsed = level->get_subcommands();
+    if (parsed.empty()) return command;
+    level = parsed.front();
+    command += " " + level->get_name();
+  }
 }
 
 }  // namespace cardiolith::tool

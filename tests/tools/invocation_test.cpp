@@ -34,7 +34,8 @@ TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
       {"140/80", "veryHigh", "Very high (systolic 140 or more, or diastolic 90 or more)"},
       {"100/90", "veryHigh", "Very high"},
       {"85/70", "unreadable",
-       "No category (outside the table) (no row of the category table holds this pair)"},
+       "No category (outside the table) (systolic 85 is in the Low row (systolic 89 or less), but diastolic "
+       "70 is not"},
   };
   for (const auto& [pair, key, text] : cases) {
     EXPECT_THAT(succeed({"classify", pair}), ::testing::StartsWith(pair + " mmHg: " + text)) << pair;

@@ -20,6 +20,16 @@ TEST(CategoryTextTest, RulesSpellOutTheTableRows) {
   EXPECT_EQ(categoryRule(Category::unreadable), "no row of the category table holds this pair");
 }
 
+TEST(CategoryTextTest, APairOutsideTheTableIsToldWhichRowItMissed) {
+  EXPECT_EQ(
+      missedRule(85, 70),
+      "systolic 85 is in the Low row (systolic 89 or less), but diastolic 70 is not (diastolic 59 or less)");
+  EXPECT_EQ(
+      missedRule(100, 50),
+      "diastolic 50 is in the Low row (diastolic 59 or less), but systolic 100 is not (systolic 89 or less)");
+  EXPECT_EQ(BloodPressureAnalyzer::result(100, 50), Category::unreadable);
+}
+
 // Band edges lie halfway between the last value of one category and the first of the next; diastolic has
 // no elevated band, since the elevated row bounds the diastolic no higher than the normal row does.
 TEST(CategoryTextTest, BandsFollowTheTableEdges) {

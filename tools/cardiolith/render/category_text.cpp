@@ -61,6 +61,28 @@ std::string categoryRule(BloodPressureAnalysis category) {
   return rule.empty() ? "no row of the category table holds this pair" : rule;
 }
 
+std::string missedRule(std::int64_t systolic, std::int64_t diastolic) {
+  for (const auto& row : categoryTable) {
+    if (!row.systolic.isBounded() || !row.diastolic.isBounded()) continue;
+    const bool systolicFits = row.systolic.contains(systolic),
+               diastolicFits = row.diastolic.contains(diastolic);
+    if (systolicFits == diastolicFits) continue;
+    const std::string name(categoryName(row.category));
+    const auto side = [](std::string_view pressure, std::int64_t value) {
+      return std::string(pressure) + " " + std::to_string(value);
+    };
+    if (systolicFits) {
+      return side("systolic", systolic) + " is in the " + name + " row (" +
+             boundsText("systolic", row.systolic) + "), but " + side("diastolic", diastolic) + " is not (" +
+             boundsText("diastolic", row.diastolic) + ")";
+    }
+    return side("diastolic", diastolic) + " is in the " + name + " row (" +
+           boundsText("diastolic", row.diastolic) + "), but " + side("systolic", systolic) + " is not (" +
+           boundsText("systolic", row.systolic) + ")";
+  }
+  return categoryRule(BloodPressureAnalysis::unreadable);
+}
+
 std::vector<CategoryBand> categoryBands(Pressure pressure) {
   std::vector<const PressureBounds*> bounds;
   std::vector<BloodPressureAnalysis> categories;

@@ -19,6 +19,10 @@ std::string_view categoryKey(BloodPressureAnalysis category);
 // more, or diastolic 90 or more").
 std::string categoryRule(BloodPressureAnalysis category);
 
+// Why a pair fits no row of the table: the first row that takes one of its pressures and not the other
+// ("systolic 85 is in the Low row (systolic 89 or less), but diastolic 70 is not (diastolic 59 or less)").
+std::string missedRule(std::int64_t systolic, std::int64_t diastolic);
+
 // One pressure's stretch of a category on a chart, in mmHg. Bounds lie halfway between whole values, so a
 // reading never sits on a boundary; the outermost bands are open (infinite).
 struct CategoryBand {

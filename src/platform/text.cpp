@@ -266,4 +266,51 @@ int localeCompare(std::string_view a, std::string_view b) {
   return canonicalCompare(a, b);
 }
 
+namespace {
+
+// Calls `visit` with each code point of UTF-8 text; invalid sequences come as U+FFFD.
+template <class Visit>
+void forEachCodePoint(std::string_view text, Visit visit) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  const auto length = static_cast<int32_t>(text.size());
+  for (int32_t offset = 0; offset < length;) {
+    UChar32 c;
+    U8_NEXT(bytes, offset, length, c);
+    visit(c < 0 ? 0xFFFD : c);
+  }
+}
+
+bool isBidiControl(UChar32 c) { return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069); }
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+  icu::UnicodeString result;
+  bool afterCarriageReturn = false;
+  forEachCodePoint(text, [&](UChar32 c) {
+    const bool lineFeedAfterReturn = afterCarriageReturn && c == '\n';
+    afterCarriageReturn = c == '\r';
+    if (lineFeedAfterReturn || isBidiControl(c)) return;
+    if (u_charType(c) == U_CONTROL_CHAR) c = ' ';
+    result.append(c);
+  });
+  return detail::fromICU(result);
+}
+
+bool isBlank(std::string_view text) {
+  bool blank = true;
+  forEachCodePoint(text, [&](UChar32 c) {
+    if (!u_hasBinaryProperty(c, UCHAR_WHITE_SPACE) &&
+        !u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT))
+      blank = false;
+  });
+  return blank;
+}
+
+std::size_t codePointCount(std::string_view text) noexcept {
+  std::size_t count = 0;
+  forEachCodePoint(text, [&](UChar32) { ++count; });
+  return count;
+}
+
 }  // namespace cardiolith::text

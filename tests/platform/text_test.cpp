@@ -78,6 +78,28 @@ TEST(TextTest, Utf8Validation) {
   EXPECT_FALSE(text::isASCII(precomposed));
 }
 
+TEST(TextTest, PrintableTextHasNoControlsAndNoReordering) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"plain note", "plain note"},
+      {"\x1b]0;owned\x07title", " ]0;owned title"},          // escape sequence, bell
+      {"two\r\nlines\nand\ttab\x7f", "two lines and tab "},  // CRLF is one space; DEL
+      {"\xc2\x9b"
+       "31m",
+       " 31m"},                                          // C1 control introducer
+      {"abc\u202Edcba\u2066x\u2069", "abcdcbax"},        // override, isolate
+      {"caf\xc3\xa9 \xff", "caf\xc3\xa9 \xef\xbf\xbd"},  // é kept, bad byte replaced
+  };
+  for (const auto& [input, expected] : cases) EXPECT_EQ(text::printable(input), expected) << input;
+}
+
+TEST(TextTest, BlankMeansNothingVisible) {
+  for (const std::string blank : {"", " \t", "\u00A0\u00A0", "\u200B", "\u200D\u2060\uFEFF \u3000"})
+    EXPECT_TRUE(text::isBlank(blank)) << blank;
+  for (const std::string visible : {"a", "\u00A0x", "\u200B.", "\u00E9"})
+    EXPECT_FALSE(text::isBlank(visible)) << visible;
+  EXPECT_EQ(text::codePointCount("caf\u00E9\u200B"), 5u);
+}
+
 }  // namespace
 }  // namespace cardiolith
 

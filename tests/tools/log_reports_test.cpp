@@ -26,7 +26,7 @@ TEST_F(LogReportsTest, ListShowsATableNewestFirstWithShortIds) {
   ASSERT_EQ(rows.size(), 6u);
   EXPECT_EQ(rows[0], "Id        Date              Sys  Dia  Pulse  Category   Tags               Notes");
   const std::vector<std::string> expected{
-      "2026-03-05 20:00  132   86     72  High                          tab\there",
+      "2026-03-05 20:00  132   86     72  High                          tab here",
       "2026-03-02 08:00  128   84     68  High       Left arm, Morning  dizzy, \"bad\" day slept late",
       "2026-02-25 08:00  120   80     77  Normal", "2026-01-10 23:59  180  110     90  Very high  Evening"};
   const auto readings = listed();
@@ -96,13 +96,12 @@ TEST_F(LogReportsTest, ExportWritesOneRowPerReadingOldestFirst) {
               ElementsAre("Date,Systolic,Diastolic,Pulse,Tags,Notes", "2026-01-10 23:59,180,110,90,Evening,",
                           "2026-02-25 08:00,120,80,77,,",
                           "2026-03-02 08:00,128,84,68,Left arm; Morning,dizzy  'bad' day slept late",
-                          "2026-03-05 20:00,132,86,72,,tab\there"));
+                          "2026-03-05 20:00,132,86,72,,tab here"));
 
   // Each column is there only when asked for, in the header and in every row; a TSV cell loses its tabs.
   const std::vector<std::pair<Arguments, std::vector<std::string>>> cases{
       {{"export"}, {"Date,Systolic,Diastolic,Pulse", "2026-03-05 20:00,132,86,72"}},
-      {{"export", "--notes"},
-       {"Date,Systolic,Diastolic,Pulse,Notes", "2026-03-05 20:00,132,86,72,tab\there"}},
+      {{"export", "--notes"}, {"Date,Systolic,Diastolic,Pulse,Notes", "2026-03-05 20:00,132,86,72,tab here"}},
       {{"export", "--format", "tsv", "--tags", "--notes"},
        {"Date\tSystolic\tDiastolic\tPulse\tTags\tNotes", "2026-03-05 20:00\t132\t86\t72\t\ttab here"}},
   };

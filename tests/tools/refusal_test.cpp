@@ -54,7 +54,8 @@ const std::string kNotAReading = " is not a blood-pressure reading; write systol
 const std::string kReversed = "the range ends before it starts";
 const std::string kOverTheLog = "won't write over {data}/readings";
 const std::string kUnreadableLog = "can't read the readings file {data}/readings: invalid JSON";
-const std::string kUnreadableTags = "can't read the tags file {data}/tags; nothing was changed";
+const std::string kUnreadableTags =
+    "can't change the tags while the tags file {data}/tags can't be read; nothing was changed";
 const std::string kLeftAsItIs = "\nNothing was changed: the file is left exactly as it is.";
 const std::string kAboveEveryRange =
     "not added: the systolic pressure 301 is outside 40-300 mmHg; the diastolic pressure 201 is outside "
@@ -111,6 +112,12 @@ INSTANTIATE_TEST_SUITE_P(
         {"SummaryToAlone", {"summary", "--to", "2026-03-08"}, 1, "--to needs --from"},
         {"SummaryDaysAndFrom", {"summary", "--days", "7", "--from", "2026-03-01"}, 2, "excludes"},
         {"SummaryReversed", {"summary", "--from", "2026-03-08", "--to", "2026-03-01"}, 1, kReversed},
+        {"SummaryFromFuture",
+         {"summary", "--from", "9999-01-01"},
+         1,
+         "--from: 9999-01-01 is in the future, and the period runs from it to now; give a day before today"},
+        {"ClassifyFourNumbers", {"classify", "135/95/70/1"}, 1, kNotAReading},
+        {"ClassifyNegative", {"classify", "135/-95"}, 1, kNotAReading},
         {"ExportUnknownFormat", {"export", "--format", "xlsx"}, 2, "--format"},
         {"ExportIntoNoFolder", {"export", "--out", "{data}/no/x.csv"}, 1, "couldn't write {data}/no/x.csv"},
         {"ExportOverTheLog", {"export", "--out", "{data}/./readings"}, 1, kOverTheLog},
@@ -124,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"SampleNone", {"sample", "--count", "0"}, 2, "--count"},
         {"SampleNoVariance", {"sample", "--variance", "0"}, 2, "--variance"},
         {"TagsTakenInOtherCase", {"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
-        {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that isn't blank"},
+        {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that shows something"},
         {"TagsShortColour", {"tags", "add", "Walk", "--color", "abc"}, 1, "--color: \"abc\" is not a colour"},
         {"TagsColourNotHex", {"tags", "add", "Walk", "--color", "12345g"}, 1, "is not a colour"},
         {"TagsRenameToTaken", {"tags", "rename", "Morning", "Evening"}, 1, "already a tag \"Evening\""},

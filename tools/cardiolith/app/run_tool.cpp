@@ -7,6 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "app/completion.hpp"
+#include "app/usage_error.hpp"
+#include "app/version.hpp"
 #include "commands/commands.hpp"
 #include "global_options.hpp"
 #include "input/decimal_options.hpp"
@@ -34,8 +37,9 @@ std::string commandLine(int argc, char** argv) {
 
 int parseAndRun(int argc, char** argv) {
   // The library reads launch arguments for itself, and "DELETE_ALL_RECORDS" among them empties the log.
-  // A note or a tag title is not a launch argument: the library sees the program name only.
-  cardiolith::ProcessInfo::setArguments({argc > 0 ? argv[0] : "cardiolith"});
+  // Neither a note nor the name the tool was started under (a link, exec -a) is a launch argument: the
+  // library sees a fixed program name only.
+  cardiolith::ProcessInfo::setArguments({"cardiolith"});
   LibraryLog::install();
   ChangeHistory::startChange(commandLine(argc, argv));
 
@@ -46,6 +50,13 @@ int parseAndRun(int argc, char** argv) {
   app.require_subcommand(0, 1);
   app.add_option("--data-dir", global.dataDir,
                  "Keep the log in this folder (created if needed) instead of the default places");
+  app.add_option("--color,--colour", global.color,
+                 "Colour the categories: auto (on a terminal, unless NO_COLOR is set), always or never")
+      ->check(CLI::IsMember({"auto", "always", "never"}));
+  app.set_version_flag("--version", "cardiolith " + std::string(kVersion), "Print the version and exit");
+  app.add_subcommand("version", "Print the version")->callback([] {
+    std::cout << "cardiolith " << kVersion << '\n';
+  });
   app.footer(
       "Start with:  cardiolith add 128/82 --pulse 71\n"
       "Each command has its own --help.");
@@ -62,13 +73,17 @@ int parseAndRun(int argc, char** argv) {
   addSampleCommand(app, global);
   addChartCommand(app, global);
   addReportCommand(app, global);
+  addInfoCommand(app, global);
+  addCompletionCommand(app);
   requireDecimalIntegers(app);
 
   try {
     app.parse(argc, argv);
+  } catch (const CLI::Success& request) {  // --help, --version
+    return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    const int status = app.exit(error);
-    return status == 0 ? 0 : usageError;
+    std::cerr << "cardiolith: " << usageErrorText(error, parsedCommand(app)) << '\n';
+    return usageError;
   }
   if (app.get_subcommands().empty()) std::cout << app.help();
   return 0;

@@ -17,6 +17,7 @@
 #include "input/reading_id_input.hpp"
 #include "log/data_folder.hpp"
 #include "log/tag_list.hpp"
+#include "render/category_text.hpp"
 #include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
@@ -76,8 +77,9 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
   // locale data.
   std::string report =
       "Added " + displayDateFormatter().string(date) + "  " + describeValues(*reading) + "\n";
-  if (tagList) report += "  Tags: " + joined(tagList->titles(reading->tagIDs()), ", ") + "\n";
+  if (tagList) report += "  Tags: " + singleLine(joined(tagList->titles(reading->tagIDs()), ", ")) + "\n";
   if (reading->notes()) report += "  Note: " + singleLine(*reading->notes()) + "\n";
+  if (isHypertensiveCrisis(input.systolic, input.diastolic)) report += std::string(kCrisisAdvice) + "\n";
 
   {
     ReadingsLog log(folder, ReadingsLog::Access::change);

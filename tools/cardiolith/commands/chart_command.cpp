@@ -108,7 +108,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
     std::cout << bytes << std::flush;
     return;
   }
-  writeOutputFile(options.out, bytes, {log.file(), folder.tagsFile(), folder.lockFile(), folder.historyFile()});
+  writeOutputFile(options.out, bytes, folder.ownFiles());
   std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
 }
 

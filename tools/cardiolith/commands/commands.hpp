@@ -20,5 +20,6 @@ void addTagsCommand(CLI::App& app, const GlobalOptions& global);
 void addSampleCommand(CLI::App& app, const GlobalOptions& global);
 void addChartCommand(CLI::App& app, const GlobalOptions& global);
 void addReportCommand(CLI::App& app, const GlobalOptions& global);
+void addInfoCommand(CLI::App& app, const GlobalOptions& global);
 
 }  // namespace cardiolith::tool

@@ -105,7 +105,7 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
     std::cout << text;
     return;
   }
-  writeOutputFile(*options.out, text, {log.file(), folder.tagsFile(), folder.lockFile(), folder.historyFile()});
+  writeOutputFile(*options.out, text, folder.ownFiles());
   std::cout << "Exported " << selection.size() << " readings to " << *options.out << '\n';
 }
 

@@ -16,6 +16,7 @@
 #include "render/category_text.hpp"
 #include "render/json_writer.hpp"
 #include "render/reading_text.hpp"
+#include "render/terminal.hpp"
 #include "render/text_table.hpp"
 
 namespace cardiolith::tool {
@@ -24,6 +25,7 @@ namespace {
 struct ListOptions {
   PeriodOptions period;
   bool reverse = false;
+  bool wide = false;
   bool json = false;
 };
 
@@ -52,7 +54,9 @@ void printJson(const ReadingList& readings, const TagList& tags) {
   std::cout << '\n';
 }
 
-void printTable(const ReadingList& readings, const ReadingList& log, const TagList& tags) {
+// One row per reading; on a terminal, shortened to its width (unless --wide) and with coloured categories.
+void printTable(const ReadingList& readings, const ReadingList& log, const TagList& tags,
+                const ListOptions& options, const GlobalOptions& global) {
   using Align = TextTable::Align;
   const auto ids = shortestUniqueIdPrefixes(log);
   std::unordered_map<const Reading*, std::string> shortIds;
@@ -69,9 +73,17 @@ void printTable(const ReadingList& readings, const ReadingList& log, const TagLi
     table.addRow({shortIds.at(reading.get()), displayDateFormatter().string(reading->date()),
                   std::to_string(reading->systolic()), std::to_string(reading->diastolic()),
                   std::to_string(reading->pulse()), std::string(categoryName(categoryOf(*reading))),
-                  joined(tags.titles(reading->tagIDs()), ", "), singleLine(reading->notes().value_or(""))});
+                  singleLine(joined(tags.titles(reading->tagIDs()), ", ")),
+                  singleLine(reading->notes().value_or(""))});
   }
-  table.print(std::cout);
+  constexpr std::size_t categoryColumn = 5;
+  const TerminalStyle style = standardOutputStyle(global.color);
+  TextTable::PrintOptions print;
+  if (!options.wide) print.width = style.width;
+  print.decorate = [&](std::size_t row, std::size_t column, const std::string& padded) {
+    return column == categoryColumn ? colored(padded, categoryOf(*readings[row]), style.color) : padded;
+  };
+  table.print(std::cout, print);
 }
 
 void runList(const ListOptions& options, const GlobalOptions& global) {
@@ -91,7 +103,7 @@ void runList(const ListOptions& options, const GlobalOptions& global) {
     std::cout << "No readings match; the log holds " << log.readings().size()
               << " in all (cardiolith list shows every one).\n";
   } else {
-    printTable(selection, log.readings(), tags);
+    printTable(selection, log.readings(), tags, options, global);
   }
 }
 
@@ -102,6 +114,8 @@ void addListCommand(CLI::App& app, const GlobalOptions& global) {
   auto* command = app.add_subcommand("list", "Show the readings with their ids, newest first");
   addPeriodOptions(*command, options->period);
   command->add_flag("--reverse,-r", options->reverse, "Oldest first");
+  command->add_flag("--wide", options->wide,
+                    "Show whole notes, even where lines get longer than the terminal");
   command->add_flag("--json", options->json, "Write JSON for scripts instead of a table");
   command->callback([options, &global] { runList(*options, global); });
 }

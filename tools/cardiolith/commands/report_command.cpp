@@ -79,10 +79,9 @@ std::pair<Date, Date> chosenDays(const ReportOptions& options) {
   return {period.start, period.end};
 }
 
-void write(const ReportOptions& options, const std::string& bytes, const DataFolder& folder,
-           const ReadingsLog& log) {
+void write(const ReportOptions& options, const std::string& bytes, const DataFolder& folder) {
   if (options.out) {
-    writeOutputFile(*options.out, bytes, {log.file(), folder.tagsFile(), folder.lockFile(), folder.historyFile()});
+    writeOutputFile(*options.out, bytes, folder.ownFiles());
     std::cout << "Wrote the " << options.format << " report to " << *options.out << '\n';
     return;
   }
@@ -104,11 +103,11 @@ void runReport(const ReportOptions& options, const GlobalOptions& global) {
   } else if (options.format == "text") {
     printReportText(text, report);
   } else if (options.format == "html") {
-    return write(options, reportHtml(report), folder, log);
+    return write(options, reportHtml(report), folder);
   } else {
-    return write(options, reportPdf(report), folder, log);
+    return write(options, reportPdf(report), folder);
   }
-  write(options, text.str(), folder, log);
+  write(options, text.str(), folder);
 }
 
 }  // namespace

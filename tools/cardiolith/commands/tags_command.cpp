@@ -11,6 +11,7 @@
 #include "log/data_folder.hpp"
 #include "log/folder_lock.hpp"
 #include "log/tag_list.hpp"
+#include "render/reading_text.hpp"
 #include "render/text_table.hpp"
 #include "tool_error.hpp"
 
@@ -35,17 +36,31 @@ std::string checkedColor(std::string color) {
   return color;
 }
 
+constexpr std::size_t maximumTitleLength = 100;
+
+// A title that shows as typed: readable on one line, visible, and short enough for a list or a table.
 std::string checkedTitle(const std::string& title) {
-  if (title.find_first_not_of(" \t") == std::string::npos)
-    throw ToolError("a tag needs a title that isn't blank");
   if (!text::isValidUTF8(title)) throw ToolError("the tag title is not valid UTF-8");
+  if (text::isBlank(title))
+    throw ToolError(
+        "a tag needs a title that shows something, not only spaces; e.g. cardiolith tags add Clinic");
+  if (text::printable(title) != title) {
+    throw ToolError(
+        "a tag title can't hold line breaks, tabs, control characters or direction overrides; write it on "
+        "one "
+        "line, e.g. cardiolith tags add \"After walk\"");
+  }
+  if (text::codePointCount(title) > maximumTitleLength) {
+    throw ToolError("the tag title has " + std::to_string(text::codePointCount(title)) +
+                    " characters; at most 100 are allowed, e.g. cardiolith tags add \"After walk\"");
+  }
   return title;
 }
 
 void refuseTakenTitle(const TagList& tags, const std::string& title, const UUID* renamed = nullptr) {
   const auto existing = tags.lookUp(title);
   if (existing && (renamed == nullptr || existing->id != *renamed)) {
-    throw ToolError("there is already a tag \"" + existing->title + "\"");
+    throw ToolError("there is already a tag \"" + singleLine(existing->title) + "\"");
   }
 }
 
@@ -56,7 +71,7 @@ void listTags(const GlobalOptions& global) {
   std::stable_sort(list.begin(), list.end(),
                    [](const Tag& a, const Tag& b) { return text::localeCompare(a.title, b.title) < 0; });
   TextTable table({{"Tag"}, {"Colour"}});
-  for (const auto& tag : list) table.addRow({tag.title, "#" + tag.colorHex});
+  for (const auto& tag : list) table.addRow({singleLine(tag.title), "#" + tag.colorHex});
   table.print(std::cout);
 }
 
@@ -64,19 +79,23 @@ void listTags(const GlobalOptions& global) {
 // the readings gets them from the readings log, which then holds the lock; others take the lock alone, so
 // that a damaged readings file doesn't stop them.
 template <class Change>
-void changeTags(const GlobalOptions& global, bool withReadings, Change change) {
-  const DataFolder folder(global);
-  std::optional<ReadingsLog> log;
-  std::optional<FolderLock> lock;
-  if (withReadings) {
-    log.emplace(folder, ReadingsLog::Access::change);
-  } else {
-    lock.emplace(folder.lockFile(), FolderLock::Mode::exclusive);
-  }
+void changeLockedTags(const DataFolder& folder, const ReadingList& readings, Change& change) {
   TagList tags(folder);
   tags.requireReadable();
-  change(tags, log ? log->readings() : ReadingList{});
+  change(tags, readings);
   tags.finishSaving();
+}
+
+template <class Change>
+void changeTags(const GlobalOptions& global, bool withReadings, Change change) {
+  const DataFolder folder(global);
+  if (withReadings) {
+    ReadingsLog log(folder, ReadingsLog::Access::change);
+    changeLockedTags(folder, log.readings(), change);
+  } else {
+    const FolderLock lock = folder.lockForChange();
+    changeLockedTags(folder, ReadingList{}, change);
+  }
 }
 
 void addTag(const TagsOptions& options, const GlobalOptions& global) {
@@ -99,7 +118,7 @@ void renameTag(const TagsOptions& options, const GlobalOptions& global) {
     // The id stays, so every reading that carries the tag shows the new title.
     tags.manager().update(Tag{tag.id, newTitle, tag.colorHex});
   });
-  std::cout << "Renamed tag \"" << oldTitle << "\" to \"" << newTitle << "\"\n";
+  std::cout << "Renamed tag \"" << singleLine(oldTitle) << "\" to \"" << newTitle << "\"\n";
 }
 
 void deleteTag(const TagsOptions& options, const GlobalOptions& global) {
@@ -119,7 +138,7 @@ void deleteTag(const TagsOptions& options, const GlobalOptions& global) {
     tags.manager().deleteTag(tag);
     const std::string lost = std::to_string(carriers) +
                              (carriers == 1 ? " reading no longer carries" : " readings no longer carry");
-    report = "Deleted tag \"" + tag.title + "\"" + (carriers > 0 ? "; " + lost + " it" : "") + "\n";
+    report = "Deleted tag \"" + singleLine(tag.title) + "\"" + (carriers > 0 ? "; " + lost + " it" : "") + "\n";
     if (tags.manager().tags().empty()) {
       report += "That was the last tag, so the ten default tags come back (cardiolith tags shows them).\n";
     }

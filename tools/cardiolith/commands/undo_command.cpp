@@ -76,7 +76,7 @@ std::string tagChanges(const ChangeHistory::RestoredFile& file) {
 
 void runUndo(const GlobalOptions& global) {
   const DataFolder folder(global);
-  const FolderLock lock(folder.lockFile(), FolderLock::Mode::exclusive);
+  const FolderLock lock = folder.lockForChange();
   const auto undone = ChangeHistory(folder.historyFile()).undoLast();
   std::string report = "Undid: cardiolith " + undone.commandLine + "\n";
   for (const auto& file : undone.files) {

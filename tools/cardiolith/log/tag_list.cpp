@@ -3,18 +3,20 @@
 #include <algorithm>
 #include <cardiolith/platform/durable_file.hpp>
 #include <cardiolith/platform/text.hpp>
+#include <iostream>
 
 #include "log/library_log.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
 
-std::filesystem::path mutingFirstUse(std::filesystem::path file) {
-  std::error_code error;
-  // Before the first tag change there is no tags file and the library falls back on the default tags;
-  // that is the normal start, not something to warn about.
-  if (!std::filesystem::exists(file, error)) LibraryLog::mute("Unable to load tags");
+constexpr std::string_view loadFailure = "Unable to load tags";
+
+// The library's own message names no file and says nothing of what to do; TagList says both, once.
+std::filesystem::path mutingLoadFailure(std::filesystem::path file) {
+  LibraryLog::mute(std::string(loadFailure));
   return file;
 }
 
@@ -32,11 +34,19 @@ bool byLocale(const std::string& a, const std::string& b) { return text::localeC
 }  // namespace
 
 TagList::TagList(const DataFolder& folder)
-    : file_(mutingFirstUse(folder.tagsFile())),
+    : file_(mutingLoadFailure(folder.tagsFile())),
       history_(folder.historyFile()),
       savedContent_(readForHistory(file_)),
       manager_(folder.locations(), StorageOptions{.durable = true}) {
   manager_.waitUntilLoaded();
+  // A missing file is the normal first start, with the default tags; only a file that is there but can't
+  // be read is worth a word.
+  if (!manager_.loadFailed()) return;
+  const auto failure = LibraryLog::firstLogged(loadFailure);
+  std::cerr << "cardiolith: can't read the tags file " << file_.string();
+  if (failure) std::cerr << " (" << failure->substr(std::min(failure->size(), loadFailure.size() + 2)) << ")";
+  std::cerr << "; the default tags stand in for it. Move it aside (or restore it from a backup) to use your "
+               "tags again.\n";
 }
 
 TagList::~TagList() { manager_.waitForPendingSaves(); }
@@ -58,9 +68,15 @@ std::optional<Tag> TagList::lookUp(std::string_view title) const {
 
 Tag TagList::find(std::string_view title) const {
   if (auto tag = lookUp(title)) return *tag;
+  // A long list would bury the message; the whole list is one command away.
+  constexpr std::size_t mostListed = 20;
+  const auto known = sortedTitles();
   std::string list;
-  for (const auto& known : sortedTitles()) list += (list.empty() ? "\"" : ", \"") + known + "\"";
-  throw ToolError("there is no tag \"" + std::string(title) + "\"; the tags are: " +
+  for (std::size_t i = 0; i < known.size() && i < mostListed; ++i)
+    list += (list.empty() ? "\"" : ", \"") + singleLine(known[i]) + "\"";
+  if (known.size() > mostListed)
+    list += " and " + std::to_string(known.size() - mostListed) + " more (cardiolith tags lists them all)";
+  throw ToolError("there is no tag \"" + singleLine(title) + "\"; the tags are: " +
                   (list.empty() ? "(none)" : list) + "\nAdd a new one with: cardiolith tags add TITLE");
 }
 
@@ -81,8 +97,8 @@ std::vector<std::string> TagList::sortedTitles() const {
 
 void TagList::requireReadable() const {
   if (manager_.loadFailed()) {
-    throw ToolError("can't read the tags file " + file_.string() +
-                    "; nothing was changed. Move it aside (or restore it from a backup) to change the tags.");
+    throw ToolError("can't change the tags while the tags file " + file_.string() +
+                    " can't be read; nothing was changed. Move it aside (or restore it from a backup) first.");
   }
 }
 

@@ -1,6 +1,7 @@
 #include "render/reading_text.hpp"
 
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
+#include <cardiolith/platform/text.hpp>
 
 #include "input/reading_id_input.hpp"
 #include "render/category_text.hpp"
@@ -18,14 +19,7 @@ const DateFormatter& isoDateFormatter() {
   return formatter;
 }
 
-std::string singleLine(std::string_view text) {
-  std::string line;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;  // CRLF is one break
-    line += text[i] == '\n' || text[i] == '\r' ? ' ' : text[i];
-  }
-  return line;
-}
+std::string singleLine(std::string_view text) { return text::printable(text); }
 
 std::string joined(const std::vector<std::string>& items, std::string_view separator) {
   std::string text;

@@ -13,7 +13,8 @@ const DateFormatter& displayDateFormatter();
 // ISO 8601 with the local offset, for scripts: "2026-11-20T07:45:00+01:00".
 const DateFormatter& isoDateFormatter();
 
-// The text on one line: line breaks become spaces, so a note can't break a table row.
+// Text from the log (a note, a tag title) as it may be shown: on one line, so it can't break a table row,
+// and without control characters or bidirectional overrides, so it can't drive or garble the terminal.
 std::string singleLine(std::string_view text);
 // The items with `separator` between neighbours.
 std::string joined(const std::vector<std::string>& items, std::string_view separator);

@@ -1,0 +1,70 @@
+#include "interop/cell_text.hpp"
+
+namespace cardiolith::interop::detail {
+namespace {
+
+bool startsFormulaAfterApostrophes(std::string_view text) {
+  const std::size_t first = text.find_first_not_of('\'');
+  if (first == std::string_view::npos) return false;
+  const char c = text[first];
+  return c == '=' || c == '+' || c == '-' || c == '@' || c == '\t' || c == '\r';
+}
+
+}  // namespace
+
+std::string guardedFromFormulas(std::string_view text) {
+  if (!startsFormulaAfterApostrophes(text)) return std::string(text);
+  return "'" + std::string(text);
+}
+
+std::string_view unguarded(std::string_view text) {
+  if (text.starts_with('\'') && startsFormulaAfterApostrophes(text)) text.remove_prefix(1);
+  return text;
+}
+
+std::string joinedTitles(const std::vector<std::string>& titles) {
+  std::string out;
+  for (const auto& title : titles) {
+    if (!out.empty()) out += "; ";
+    for (const char c : title) {
+      if (c == '\\' || c == ';') out.push_back('\\');
+      out.push_back(c);
+    }
+  }
+  return out;
+}
+
+std::vector<std::string> splitTitles(std::string_view text) {
+  std::vector<std::string> titles;
+  if (text.empty()) return titles;
+  std::string title;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '\\' && i + 1 < text.size()) {
+      title.push_back(text[++i]);
+    } else if (c == ';') {
+      titles.push_back(std::move(title));
+      title.clear();
+      if (i + 1 < text.size() && text[i + 1] == ' ') ++i;
+    } else {
+      title.push_back(c);
+    }
+  }
+  titles.push_back(std::move(title));
+  return titles;
+}
+
+void appendQuoted(std::string& out, std::string_view cell, char separator) {
+  if (cell.find_first_of(std::string{separator, '"', '\n', '\r'}) == std::string_view::npos) {
+    out += cell;
+    return;
+  }
+  out.push_back('"');
+  for (const char c : cell) {
+    if (c == '"') out.push_back('"');
+    out.push_back(c);
+  }
+  out.push_back('"');
+}
+
+}  // namespace cardiolith::interop::detail

@@ -1,0 +1,87 @@
+#include "cardiolith/interop/import_plan.hpp"
+
+#include <cmath>
+
+#include "cardiolith/analysis/plausibility.hpp"
+#include "cardiolith/platform/text.hpp"
+
+namespace cardiolith::interop {
+
+ImportPlanner::ImportPlanner(const ReadingList& existing, const std::vector<Tag>& tags, ImportRules rules)
+    : rules_(std::move(rules)) {
+  for (const auto& reading : existing) {
+    ids_.insert(text::canonical(reading->id()));
+    values_.insert(keyOf(*reading));
+  }
+  for (const auto& tag : tags) tagsByTitle_.emplace(text::canonical(tag.title), tag.id);
+}
+
+ImportPlanner::ValuesKey ImportPlanner::keyOf(const Reading& reading) {
+  const double minute = std::floor(reading.date().timeIntervalSinceReferenceDate() / 60.0);
+  return {std::isfinite(minute) ? static_cast<std::int64_t>(minute) : 0, reading.systolic(),
+          reading.diastolic(), reading.pulse()};
+}
+
+void ImportPlanner::take(ReaderItem item) {
+  if (auto* incoming = std::get_if<IncomingReading>(&item)) {
+    takeReading(std::move(*incoming));
+  } else if (auto* invalid = std::get_if<InvalidRow>(&item)) {
+    plan_.refused.push_back(std::move(*invalid));
+  } else {
+    ++plan_.skipped[std::get<SkippedRecord>(item).reason];
+  }
+}
+
+void ImportPlanner::takeAll(ReadingReader& reader, const std::function<void()>& progress) {
+  while (auto item = reader.next()) {
+    take(std::move(*item));
+    if (progress) progress();
+  }
+}
+
+void ImportPlanner::takeReading(IncomingReading incoming) {
+  const Reading& reading = *incoming.reading;
+  const std::string id = text::canonical(reading.id());
+  const ValuesKey key = keyOf(reading);
+  if ((!id.empty() && ids_.contains(id)) || values_.contains(key)) {
+    ++plan_.alreadyThere;
+    return;
+  }
+  if (!rules_.force) {
+    const auto problems = implausibilities(reading.systolic(), reading.diastolic(), reading.pulse());
+    if (!problems.empty()) {
+      std::string reason;
+      for (const auto& problem : problems) reason += (reason.empty() ? "" : "; ") + problem;
+      plan_.refused.push_back({std::move(incoming.position), reason + " (--force keeps it)"});
+      return;
+    }
+  }
+  const auto tagIDs = tagIDsFor(incoming);
+  auto added = Reading::decoded(id.empty() ? UUID::random().uuidString() : reading.id(), reading.date(),
+                                reading.systolic(), reading.diastolic(), reading.pulse(), reading.notes(),
+                                tagIDs, reading.healthKitID());
+  ids_.insert(text::canonical(added->id()));
+  values_.insert(key);
+  plan_.added.push_back(std::move(added));
+}
+
+std::optional<std::set<UUID>> ImportPlanner::tagIDsFor(const IncomingReading& incoming) {
+  if (incoming.tagTitles.empty()) return incoming.reading->tagIDs();
+  std::set<UUID> ids = incoming.reading->tagIDs().value_or(std::set<UUID>{});
+  for (const auto& title : incoming.tagTitles) {
+    const std::string key = text::canonical(title);
+    if (const auto found = tagsByTitle_.find(key); found != tagsByTitle_.end()) {
+      ids.insert(found->second);
+    } else if (rules_.createTags) {
+      const Tag tag{UUID::random(), title, rules_.newTagColor};
+      tagsByTitle_.emplace(key, tag.id);
+      plan_.newTags.push_back(tag);
+      ids.insert(tag.id);
+    } else {
+      plan_.unknownTags.insert(title);
+    }
+  }
+  return ids;
+}
+
+}  // namespace cardiolith::interop

@@ -7,6 +7,7 @@
 #include "cardiolith/analytics/event_logger.hpp"
 #include "cardiolith/analytics/sub_event_logger.hpp"
 #include "cardiolith/interop/delimited.hpp"
+#include "cardiolith/interop/fhir.hpp"
 #include "cardiolith/interop/import_plan.hpp"
 #include "cardiolith/interop/reader.hpp"
 #include "cardiolith/interop/readings_document.hpp"

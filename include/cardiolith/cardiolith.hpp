@@ -8,6 +8,8 @@
 #include "cardiolith/analytics/sub_event_logger.hpp"
 #include "cardiolith/interop/delimited.hpp"
 #include "cardiolith/interop/fhir.hpp"
+#include "cardiolith/interop/health_export.hpp"
+#include "cardiolith/interop/import_file.hpp"
 #include "cardiolith/interop/import_plan.hpp"
 #include "cardiolith/interop/reader.hpp"
 #include "cardiolith/interop/readings_document.hpp"

@@ -9,7 +9,8 @@ constexpr std::size_t kBlockSize = 1 << 16;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 }  // namespace
 
-CellReader::CellReader(std::istream& in) : in_(in) {}
+CellReader::CellReader(std::istream& in, std::function<void(std::uint64_t)> progress)
+    : in_(in), progress_(std::move(progress)) {}
 
 bool CellReader::fill() {
   // Keep what has not been read yet (guessSeparator looks ahead across blocks).
@@ -19,15 +20,14 @@ bool CellReader::fill() {
   buffer_.resize(kept + kBlockSize);
   in_.read(buffer_.data() + kept, static_cast<std::streamsize>(kBlockSize));
   buffer_.resize(kept + static_cast<std::size_t>(in_.gcount()));
+  bytesRead_ += static_cast<std::uint64_t>(in_.gcount());
+  if (progress_) progress_(bytesRead_);
   return buffer_.size() > kept;
 }
 
 int CellReader::take() {
   const int c = peek();
-  if (c >= 0) {
-    ++position_;
-    ++consumed_;
-  }
+  if (c >= 0) ++position_;
   return c;
 }
 
@@ -37,7 +37,6 @@ void CellReader::start() {
     }
     if (std::string_view(buffer_).substr(position_).starts_with(kByteOrderMark)) {
       position_ += kByteOrderMark.size();
-      consumed_ += kByteOrderMark.size();
     }
     started_ = true;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <istream>
 #include <string>
 #include <vector>
@@ -12,7 +13,8 @@ namespace cardiolith::interop::detail {
 // row is dropped. Text after a closing quote, up to the next separator, is kept as part of the cell.
 class CellReader {
  public:
-  explicit CellReader(std::istream& in);
+  // `progress` hears the count of bytes read from `in` after each block; it may be empty.
+  CellReader(std::istream& in, std::function<void(std::uint64_t)> progress);
 
   // The separator among ',', ';' and tab that occurs most often outside quotes in the first row;
   // ',' when none does. Reads ahead without consuming.
@@ -22,8 +24,6 @@ class CellReader {
   // The next row into `cells`, false at the end of the text. `line` is the line the row starts on.
   // Blank lines are skipped. An unclosed quote runs to the end of the text.
   bool nextRow(std::vector<std::string>& cells, std::uint64_t& line);
-
-  std::uint64_t bytesRead() const { return consumed_; }
 
  private:
   // Drops a byte-order mark once, before the first row.
@@ -37,7 +37,8 @@ class CellReader {
   std::istream& in_;
   std::string buffer_;
   std::size_t position_ = 0;
-  std::uint64_t consumed_ = 0;
+  std::function<void(std::uint64_t)> progress_;
+  std::uint64_t bytesRead_ = 0;
   std::uint64_t line_ = 1;
   char separator_ = ',';
   bool started_ = false;

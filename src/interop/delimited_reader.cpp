@@ -90,7 +90,7 @@ struct Row {
 class DelimitedReader final : public ReadingReader {
  public:
   DelimitedReader(std::istream& in, const ReaderOptions& options, std::optional<char> separator)
-      : cells_(in) {
+      : cells_(in, options.progress) {
     cells_.setSeparator(separator ? *separator : cells_.guessSeparator());
     if (options.dateFormat) pattern_.emplace(*options.dateFormat);
     Row header;
@@ -129,8 +129,6 @@ class DelimitedReader final : public ReadingReader {
     ready_.pop_front();
     return item;
   }
-
-  std::uint64_t bytesRead() const override { return cells_.bytesRead(); }
 
  private:
   void rolesFromHeader(const Row& header) {

@@ -92,7 +92,6 @@ class FhirReader final : public ReadingReader {
     std::string first;
     while (first.find_first_not_of(" \t\r") == std::string::npos && std::getline(in_, first)) {
       ++line_;
-      consumed_ += first.size() + 1;
     }
     dom::element element;
     if (!parser_.parse(first).get(element) && stringAt(element, "resourceType") != "Bundle") {
@@ -103,7 +102,6 @@ class FhirReader final : public ReadingReader {
     // A Bundle, on one line or many.
     bundleText_ =
         first + "\n" + std::string(std::istreambuf_iterator<char>(in_), std::istreambuf_iterator<char>());
-    consumed_ = bundleText_.size();
     if (const auto error = parser_.parse(bundleText_).get(element))
       throw ImportError(std::string("the FHIR file is not JSON: ") + simdjson::error_message(error));
     if (stringAt(element, "resourceType") != "Bundle")
@@ -120,8 +118,6 @@ class FhirReader final : public ReadingReader {
     return item;
   }
 
-  std::uint64_t bytesRead() const override { return consumed_; }
-
  private:
   struct Panel {
     IncomingReading reading;  // its pulse is filled in when the heart rate is found
@@ -133,7 +129,6 @@ class FhirReader final : public ReadingReader {
       std::string text;
       if (!std::getline(in_, text)) return finish();
       ++line_;
-      consumed_ += text.size() + 1;
       if (text.find_first_not_of(" \t\r") == std::string::npos) return;
       dom::element element;
       const std::string position = "line " + std::to_string(line_);
@@ -245,7 +240,6 @@ class FhirReader final : public ReadingReader {
   bool ndjson_ = false;
   bool finished_ = false;
   std::uint64_t line_ = 0;
-  std::uint64_t consumed_ = 0;
   std::string bundleText_;
   dom::array entries_;
   dom::array::iterator entry_;

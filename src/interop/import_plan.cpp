@@ -32,11 +32,8 @@ void ImportPlanner::take(ReaderItem item) {
   }
 }
 
-void ImportPlanner::takeAll(ReadingReader& reader, const std::function<void()>& progress) {
-  while (auto item = reader.next()) {
-    take(std::move(*item));
-    if (progress) progress();
-  }
+void ImportPlanner::takeAll(ReadingReader& reader) {
+  while (auto item = reader.next()) take(std::move(*item));
 }
 
 void ImportPlanner::takeReading(IncomingReading incoming) {

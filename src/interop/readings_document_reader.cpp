@@ -11,7 +11,6 @@ class ReadingsDocumentReader final : public ReadingReader {
  public:
   explicit ReadingsDocumentReader(std::istream& in) {
     const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    size_ = text.size();
     try {
       readings_ = json::decode<Readings>(text).readings;
     } catch (const DecodingError& error) {
@@ -26,12 +25,9 @@ class ReadingsDocumentReader final : public ReadingReader {
     return incoming;
   }
 
-  std::uint64_t bytesRead() const override { return size_; }
-
  private:
   ReadingList readings_;
   std::size_t index_ = 0;
-  std::uint64_t size_ = 0;
 };
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -54,8 +53,8 @@ class ImportPlanner {
 
   // Takes one item of a reader into the plan.
   void take(ReaderItem item);
-  // Takes every item of `reader`, calling `progress` after each one (for a progress display).
-  void takeAll(ReadingReader& reader, const std::function<void()>& progress = {});
+  // Takes every item of `reader`. Throws what the reader throws.
+  void takeAll(ReadingReader& reader);
 
   const ImportPlan& plan() const { return plan_; }
   ImportPlan takePlan() && { return std::move(plan_); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -54,17 +55,18 @@ class ReadingReader {
   virtual ~ReadingReader() = default;
   // The next item in file order, or nothing at the end. Throws ImportError.
   [[nodiscard]] virtual std::optional<ReaderItem> next() = 0;
-  // How many bytes of the input have been consumed, for a progress display.
-  [[nodiscard]] virtual std::uint64_t bytesRead() const = 0;
 };
 
-// How tables give their dates when the file alone cannot tell.
+// What readers need to know beyond the bytes.
 struct ReaderOptions {
   // Each column's role in order when the header is absent or not in English: date, time, datetime,
   // timestamp, systolic, diastolic, pulse, notes, tags, id, skip.
-  std::vector<std::string> columns;
+  std::vector<std::string> columns = {};
   // An ICU pattern ("dd.MM.yyyy") for the date column, instead of guessing among the common forms.
-  std::optional<std::string> dateFormat;
+  std::optional<std::string> dateFormat = std::nullopt;
+  // Called with the count of input bytes consumed so far, after each block a streaming reader reads,
+  // for a progress display.
+  std::function<void(std::uint64_t)> progress = nullptr;
 };
 
 }  // namespace cardiolith::interop

@@ -22,21 +22,29 @@ ImportPlanner::ValuesKey ImportPlanner::keyOf(const Reading& reading) {
           reading.diastolic(), reading.pulse()};
 }
 
-void ImportPlanner::take(ReaderItem item) {
+namespace {
+
+std::string sourced(std::string_view source, std::string position) {
+  return source.empty() ? position : std::string(source) + " " + position;
+}
+
+}  // namespace
+
+void ImportPlanner::take(ReaderItem item, std::string_view source) {
   if (auto* incoming = std::get_if<IncomingReading>(&item)) {
-    takeReading(std::move(*incoming));
+    takeReading(std::move(*incoming), source);
   } else if (auto* invalid = std::get_if<InvalidRow>(&item)) {
-    plan_.refused.push_back(std::move(*invalid));
+    plan_.refused.push_back({sourced(source, std::move(invalid->position)), std::move(invalid->reason)});
   } else {
     ++plan_.skipped[std::get<SkippedRecord>(item).reason];
   }
 }
 
-void ImportPlanner::takeAll(ReadingReader& reader) {
-  while (auto item = reader.next()) take(std::move(*item));
+void ImportPlanner::takeAll(ReadingReader& reader, std::string_view source) {
+  while (auto item = reader.next()) take(std::move(*item), source);
 }
 
-void ImportPlanner::takeReading(IncomingReading incoming) {
+void ImportPlanner::takeReading(IncomingReading incoming, std::string_view source) {
   const Reading& reading = *incoming.reading;
   const std::string id = text::canonical(reading.id());
   const ValuesKey key = keyOf(reading);
@@ -49,7 +57,7 @@ void ImportPlanner::takeReading(IncomingReading incoming) {
     if (!problems.empty()) {
       std::string reason;
       for (const auto& problem : problems) reason += (reason.empty() ? "" : "; ") + problem;
-      plan_.refused.push_back({std::move(incoming.position), reason + " (--force keeps it)"});
+      plan_.refused.push_back({sourced(source, std::move(incoming.position)), reason});
       return;
     }
   }

@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -51,10 +52,11 @@ class ImportPlanner {
   // `existing` and `tags` are the log's readings and tags; the planner keeps only their keys.
   ImportPlanner(const ReadingList& existing, const std::vector<Tag>& tags, ImportRules rules);
 
-  // Takes one item of a reader into the plan.
-  void take(ReaderItem item);
-  // Takes every item of `reader`. Throws what the reader throws.
-  void takeAll(ReadingReader& reader);
+  // Takes one item of a reader into the plan. A refused row's position is prefixed with `source` and a
+  // space when that is not empty, so refusals from several files say which file they are in.
+  void take(ReaderItem item, std::string_view source = {});
+  // Takes every item of `reader` the same way. Throws what the reader throws.
+  void takeAll(ReadingReader& reader, std::string_view source = {});
 
   const ImportPlan& plan() const { return plan_; }
   ImportPlan takePlan() && { return std::move(plan_); }
@@ -68,7 +70,7 @@ class ImportPlanner {
     friend auto operator<=>(const ValuesKey&, const ValuesKey&) = default;
   };
   static ValuesKey keyOf(const Reading& reading);
-  void takeReading(IncomingReading incoming);
+  void takeReading(IncomingReading incoming, std::string_view source);
   std::optional<std::set<UUID>> tagIDsFor(const IncomingReading& incoming);
 
   ImportRules rules_;

@@ -3,13 +3,12 @@
 #include <cardiolith/model/collection.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <iostream>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "commands/commands.hpp"
-#include "input/date_input.hpp"
+#include "input/period_input.hpp"
 #include "log/data_folder.hpp"
 #include "log/tag_list.hpp"
 #include "render/category_text.hpp"
@@ -21,25 +20,9 @@ namespace cardiolith::tool {
 namespace {
 
 struct ListOptions {
-  std::optional<std::string> from;
-  std::optional<std::string> to;
-  std::optional<std::string> last;
+  PeriodOptions period;
   bool json = false;
 };
-
-struct DateRange {
-  Date from{-std::numeric_limits<double>::infinity()};
-  Date to{std::numeric_limits<double>::infinity()};
-};
-
-DateRange chosenRange(const ListOptions& options) {
-  DateRange range;
-  if (options.last) range.from = Date::now().addingDays(-parseSpanDays(*options.last, "--last"));
-  if (options.from) range.from = parseDateTime(*options.from, "--from");
-  if (options.to) range.to = parseRangeEnd(*options.to, "--to");
-  requireOrdered(range.from, range.to);
-  return range;
-}
 
 BloodPressureAnalysis categoryOf(const Reading& reading) {
   return BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic());
@@ -85,7 +68,7 @@ void printTable(const ReadingList& readings, const TagList& tags) {
 }
 
 void runList(const ListOptions& options, const GlobalOptions& global) {
-  const DateRange range = chosenRange(options);
+  const DateRange range = chosenRange(options.period);
   const DataFolder folder(global);
   const TagList tags(folder);
   ReadingsLog log(folder, ReadingsLog::Access::read);
@@ -109,12 +92,7 @@ void runList(const ListOptions& options, const GlobalOptions& global) {
 void addListCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ListOptions>();
   auto* command = app.add_subcommand("list", "Show the readings, newest first");
-  auto* from =
-      command->add_option("--from", options->from, "First day (YYYY-MM-DD) or minute (\"YYYY-MM-DD HH:MM\")");
-  auto* to = command->add_option("--to", options->to, "Last day (included) or minute");
-  command->add_option("--last", options->last, "Only the last days or weeks: 7d, 2w")
-      ->excludes(from)
-      ->excludes(to);
+  addPeriodOptions(*command, options->period);
   command->add_flag("--json", options->json, "Write JSON for scripts instead of a table");
   command->callback([options, &global] { runList(*options, global); });
 }

@@ -308,7 +308,8 @@ class DelimitedReader final : public ReadingReader {
     }
     const auto instant =
         date->offsetSeconds ? instantAtOffset(date->time, *date->offsetSeconds) : localInstant(date->time);
-    if (!instant) return "the date " + quotedForMessage(*day) + " names no day of the calendar";
+    if (!instant)
+      return "the date " + quotedForMessage(*day) + " names no day of the calendar or a time the clocks skip";
     return *instant;
   }
 
@@ -319,8 +320,13 @@ class DelimitedReader final : public ReadingReader {
     // Milliseconds from the size: 1e11 seconds is the year 5138, 1e11 milliseconds March 1973.
     constexpr std::int64_t kMillisecondsFrom = 100'000'000'000;
     const bool milliseconds = *number >= kMillisecondsFrom || *number <= -kMillisecondsFrom;
-    return Date::fromTimeIntervalSince1970(milliseconds ? static_cast<double>(*number) / 1000.0
-                                                        : static_cast<double>(*number));
+    const double seconds =
+        milliseconds ? static_cast<double>(*number) / 1000.0 : static_cast<double>(*number);
+    // The years 1-9999, as for dates written out.
+    constexpr double kFirstSecond = -62135596800.0, kLastSecond = 253402300799.0;
+    if (seconds < kFirstSecond || seconds > kLastSecond)
+      return "the timestamp " + quotedForMessage(text) + " lies outside the years 1-9999";
+    return Date::fromTimeIntervalSince1970(seconds);
   }
 
   detail::CellReader cells_;

@@ -106,8 +106,11 @@ class FhirReader final : public ReadingReader {
       throw ImportError(std::string("the FHIR file is not JSON: ") + simdjson::error_message(error));
     if (stringAt(element, "resourceType") != "Bundle")
       throw ImportError("the FHIR file holds neither a Bundle nor one resource a line");
-    if (element["entry"].get_array().get(entries_)) entries_ = {};
-    entry_ = entries_.begin();
+    dom::array entries;
+    if (!element["entry"].get_array().get(entries)) {
+      entries_ = entries;
+      entry_ = entries.begin();
+    }
   }
 
   std::optional<ReaderItem> next() override {
@@ -138,7 +141,7 @@ class FhirReader final : public ReadingReader {
       }
       return resource(element, position);
     }
-    if (entry_ == entries_.end()) return finish();
+    if (!entries_ || entry_ == entries_->end()) return finish();
     dom::element resourceElement;
     const std::string position = "entry[" + std::to_string(index_++) + "].resource";
     if ((*entry_)["resource"].get(resourceElement)) {
@@ -241,7 +244,7 @@ class FhirReader final : public ReadingReader {
   bool finished_ = false;
   std::uint64_t line_ = 0;
   std::string bundleText_;
-  dom::array entries_;
+  std::optional<dom::array> entries_;  // absent for a Bundle without entries
   dom::array::iterator entry_;
   std::size_t index_ = 0;
   std::map<double, std::int64_t> heartRates_;  // by effective time, seconds since 2001

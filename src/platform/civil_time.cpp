@@ -18,34 +18,36 @@ namespace cardiolith {
 namespace {
 
 bool validFields(const CivilTime& time) {
-  return time.month >= 1 && time.month <= 12 && time.day >= 1 && time.day <= 31 && time.hour >= 0 &&
-         time.hour <= 23 && time.minute >= 0 && time.minute <= 59 && time.second >= 0 && time.second < 61;
+  return time.year >= 1 && time.year <= 9999 && time.month >= 1 && time.month <= 12 && time.day >= 1 &&
+         time.day <= 31 && time.hour >= 0 && time.hour <= 23 && time.minute >= 0 && time.minute <= 59 &&
+         time.second >= 0 && time.second < 61;
 }
 
 // Whole seconds go through the calendar, so that a fraction is kept exactly as written.
-std::optional<Date> instantIn(icu::TimeZone* zone, const CivilTime& time) {
-  if (!validFields(time)) return std::nullopt;
+std::optional<Date> instantIn(std::unique_ptr<icu::TimeZone> zone, const CivilTime& time) {
+  if (!validFields(time) || !zone) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
-  icu::GregorianCalendar calendar(zone, icu::Locale::getRoot(), status);
+  icu::GregorianCalendar calendar(zone.release(), icu::Locale::getRoot(), status);  // adopts the zone
   if (U_FAILURE(status)) return std::nullopt;
-  calendar.setLenient(false);
-  const double wholeSeconds = std::floor(time.second);
+  calendar.setLenient(false);  // also refuses a clock time that a daylight-saving change skips
+  calendar.setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
+  const double wholeSeconds = std::min(std::floor(time.second), 59.0);
   calendar.clear();
   calendar.set(time.year, time.month - 1, time.day, time.hour, time.minute,
-               static_cast<int32_t>(std::min(wholeSeconds, 59.0)));
+               static_cast<int32_t>(wholeSeconds));
   const UDate millis = calendar.getTime(status);
   if (U_FAILURE(status)) return std::nullopt;
-  return Date::fromTimeIntervalSince1970(millis / 1000.0 + (time.second - std::min(wholeSeconds, 59.0)));
+  return Date::fromTimeIntervalSince1970(millis / 1000.0 + (time.second - wholeSeconds));
 }
 
 }  // namespace
 
 std::optional<Date> localInstant(const CivilTime& time) {
-  return instantIn(detail::currentDefaultTimeZone().release(), time);
+  return instantIn(detail::currentDefaultTimeZone(), time);
 }
 
 std::optional<Date> instantAtOffset(const CivilTime& time, int offsetSeconds) {
-  return instantIn(new icu::SimpleTimeZone(offsetSeconds * 1000, "offset"), time);
+  return instantIn(std::make_unique<icu::SimpleTimeZone>(offsetSeconds * 1000, "offset"), time);
 }
 
 struct DatePatternParser::Impl {

@@ -94,6 +94,11 @@ INSTANTIATE_TEST_SUITE_P(
                  "entry[0].resource.effectiveDateTime"}),
     [](const auto& test) { return std::string(test.param.name); });
 
+TEST(FhirReader, ABundleWithoutEntriesHoldsNothing) {
+  std::istringstream in(R"({"resourceType":"Bundle","type":"collection"})");
+  EXPECT_TRUE(readAll(*readFhir(in)).empty());
+}
+
 TEST(FhirReader, TextThatIsNoBundleIsAnError) {
   for (const std::string text : {"{\"resourceType\":\"Bundle\",", "{\n\"resourceType\": \"Patient\"\n}"}) {
     std::istringstream in(text);

@@ -11,17 +11,17 @@ namespace cardiolith {
 
 // A date and clock time as written on a page, without a time zone: what a spreadsheet cell or a form holds.
 struct CivilTime {
-  int year = 2001;
-  int month = 1;  // 1-12
-  int day = 1;    // 1-31
+  int year = 2001;  // 1-9999
+  int month = 1;    // 1-12
+  int day = 1;      // 1-31
   int hour = 0;
   int minute = 0;
   double second = 0;
 };
 
 // The instant at which the default time zone's clocks (as it is at the moment of the call) show `time`;
-// in a daylight-saving gap the clock time is read as if the change had not happened yet, in an overlap
-// the earlier instant is taken. Nothing when the fields name no calendar day (February 30, hour 25).
+// in a daylight-saving overlap the earlier one. Nothing when the fields name no calendar day (February 30,
+// hour 25, a year outside 1-9999) or the clocks skip that time.
 [[nodiscard]] std::optional<Date> localInstant(const CivilTime& time);
 
 // The instant that `time` names in a zone `offsetSeconds` east of UTC. Nothing when the fields name no

@@ -13,8 +13,11 @@ bool startsFormulaAfterApostrophes(std::string_view text) {
 }  // namespace
 
 std::string guardedFromFormulas(std::string_view text) {
-  if (!startsFormulaAfterApostrophes(text)) return std::string(text);
-  return "'" + std::string(text);
+  std::string cell;
+  cell.reserve(text.size() + 1);
+  if (startsFormulaAfterApostrophes(text)) cell.push_back('\'');
+  cell.append(text);
+  return cell;
 }
 
 std::string_view unguarded(std::string_view text) {

@@ -78,8 +78,13 @@ std::string_view trimmed(std::string_view text) {
 
 std::string quotedForMessage(std::string_view text) {
   constexpr std::size_t kLongest = 40;
-  if (text.size() > kLongest) return "\"" + std::string(text.substr(0, kLongest)) + "...\"";
-  return "\"" + std::string(text) + "\"";
+  std::string quoted;
+  quoted.reserve(kLongest + 5);
+  quoted.push_back('"');
+  quoted.append(text.substr(0, kLongest));
+  if (text.size() > kLongest) quoted.append("...");
+  quoted.push_back('"');
+  return quoted;
 }
 
 struct Row {
@@ -307,7 +312,7 @@ class DelimitedReader final : public ReadingReader {
         return "the time " + quotedForMessage(*time) + " is not a time; expected 8:12, 08:12 or 8:12 PM";
     }
     const auto instant =
-        date->offsetSeconds ? instantAtOffset(date->time, *date->offsetSeconds) : localInstant(date->time);
+        date->offsetSeconds ? instantAtOffset(date->time, *date->offsetSeconds) : clock_.instant(date->time);
     if (!instant)
       return "the date " + quotedForMessage(*day) + " names no day of the calendar or a time the clocks skip";
     return *instant;
@@ -333,6 +338,7 @@ class DelimitedReader final : public ReadingReader {
   std::vector<Role> roles_;
   std::map<Role, std::size_t> columns_;
   bool own_ = false;
+  LocalClock clock_;
   std::optional<DatePatternParser> pattern_;
   std::optional<detail::DayOrder> order_;
   std::deque<Row> pending_;  // rows waiting for the file to settle its day/month order

@@ -42,7 +42,7 @@ bool hasCode(dom::element codeableConcept, std::string_view code) {
   return false;
 }
 
-std::optional<Date> effectiveTime(dom::element resource, const std::string& path) {
+std::optional<Date> effectiveTime(dom::element resource, const std::string& path, const LocalClock& clock) {
   std::string_view text = stringAt(resource, "effectiveDateTime");
   std::string member = ".effectiveDateTime";
   if (text.empty()) {
@@ -56,7 +56,7 @@ std::optional<Date> effectiveTime(dom::element resource, const std::string& path
   const auto date = detail::parseDateText(text, std::nullopt);
   const auto instant = !date                 ? std::nullopt
                        : date->offsetSeconds ? instantAtOffset(date->time, *date->offsetSeconds)
-                                             : localInstant(date->time);
+                                             : clock.instant(date->time);
   if (!instant)
     throw ResourceProblem{path + member,
                           "\"" + std::string(text) + "\" is not a FHIR dateTime (2025-01-12T08:12:00+01:00)"};
@@ -164,7 +164,7 @@ class FhirReader final : public ReadingReader {
         if (element["valueQuantity"].get(quantity))
           throw ResourceProblem{path + ".valueQuantity", "missing; expected the heart rate in /min"};
         const auto rate = wholeQuantity(quantity, path + ".valueQuantity", {"/min", "beats/minute"}, "/min");
-        heartRates_[effectiveTime(element, path)->timeIntervalSinceReferenceDate()] = rate;
+        heartRates_[effectiveTime(element, path, clock_)->timeIntervalSinceReferenceDate()] = rate;
         return;
       }
       ready_.push_back(SkippedRecord{path, "not a blood pressure"});
@@ -174,7 +174,7 @@ class FhirReader final : public ReadingReader {
   }
 
   void panel(dom::element element, const std::string& path) {
-    const Date date = *effectiveTime(element, path);
+    const Date date = *effectiveTime(element, path, clock_);
     std::optional<std::int64_t> values[3];
     dom::array components;
     if (!element["component"].get_array().get(components)) {
@@ -240,6 +240,7 @@ class FhirReader final : public ReadingReader {
 
   std::istream& in_;
   dom::parser parser_;
+  LocalClock clock_;
   bool ndjson_ = false;
   bool finished_ = false;
   std::uint64_t line_ = 0;

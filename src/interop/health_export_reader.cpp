@@ -27,10 +27,10 @@ std::string_view attribute(const XML_Char** attributes, std::string_view name) {
   return {};
 }
 
-std::optional<Date> instantOf(std::string_view text) {
+std::optional<Date> instantOf(std::string_view text, const LocalClock& clock) {
   const auto date = detail::parseDateText(text, std::nullopt);
   if (!date) return std::nullopt;
-  return date->offsetSeconds ? instantAtOffset(date->time, *date->offsetSeconds) : localInstant(date->time);
+  return date->offsetSeconds ? instantAtOffset(date->time, *date->offsetSeconds) : clock.instant(date->time);
 }
 
 // A value attribute as a whole number: "128" or "128.0"; a heart rate is rounded ("71.5" -> 72).
@@ -109,7 +109,7 @@ class HealthExportReader final : public ReadingReader {
       if (attribute(attributes, "type") != kBloodPressure) return;
       Pressure pressure{here(index), Date(), std::nullopt, std::nullopt, std::nullopt};
       const std::string_view start = attribute(attributes, "startDate");
-      if (const auto date = instantOf(start)) {
+      if (const auto date = instantOf(start, clock_)) {
         pressure.date = *date;
       } else {
         pressure.problem =
@@ -133,7 +133,7 @@ class HealthExportReader final : public ReadingReader {
       return;
     }
     if (type != kHeartRate) return;  // pressures outside a Correlation repeat those inside one
-    const auto date = instantOf(attribute(attributes, "startDate"));
+    const auto date = instantOf(attribute(attributes, "startDate"), clock_);
     const auto rate = numberOf(value, true);
     if (date && rate) heartRates_.emplace_back(date->timeIntervalSinceReferenceDate(), *rate);
   }
@@ -178,6 +178,7 @@ class HealthExportReader final : public ReadingReader {
   std::istream& in_;
   std::function<void(std::uint64_t)> progress_;
   XML_Parser parser_;
+  LocalClock clock_;
   std::uint64_t bytesRead_ = 0;
   bool finished_ = false;
   std::size_t correlations_ = 0;

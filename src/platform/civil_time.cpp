@@ -3,9 +3,9 @@
 #include <unicode/calendar.h>
 #include <unicode/gregocal.h>
 #include <unicode/locid.h>
-#include <unicode/simpletz.h>
 #include <unicode/smpdtfmt.h>
 
+#include <chrono>
 #include <cmath>
 #include <mutex>
 #include <stdexcept>
@@ -23,31 +23,50 @@ bool validFields(const CivilTime& time) {
          time.second >= 0 && time.second < 61;
 }
 
-// Whole seconds go through the calendar, so that a fraction is kept exactly as written.
-std::optional<Date> instantIn(std::unique_ptr<icu::TimeZone> zone, const CivilTime& time) {
-  if (!validFields(time) || !zone) return std::nullopt;
+}  // namespace
+
+struct LocalClock::Impl {
+  std::unique_ptr<icu::Calendar> calendar;
+};
+
+LocalClock::LocalClock() : impl_(std::make_unique<Impl>()) {
   UErrorCode status = U_ZERO_ERROR;
-  icu::GregorianCalendar calendar(zone.release(), icu::Locale::getRoot(), status);  // adopts the zone
-  if (U_FAILURE(status)) return std::nullopt;
-  calendar.setLenient(false);  // also refuses a clock time that a daylight-saving change skips
-  calendar.setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
+  impl_->calendar = std::make_unique<icu::GregorianCalendar>(detail::currentDefaultTimeZone().release(),
+                                                             icu::Locale::getRoot(), status);
+  if (U_FAILURE(status)) impl_->calendar.reset();
+  if (!impl_->calendar) return;
+  impl_->calendar->setLenient(false);  // also refuses a clock time that a daylight-saving change skips
+  impl_->calendar->setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
+}
+
+LocalClock::~LocalClock() = default;
+
+// Whole seconds go through the calendar, so that a fraction is kept exactly as written.
+std::optional<Date> LocalClock::instant(const CivilTime& time) const {
+  if (!validFields(time) || !impl_->calendar) return std::nullopt;
+  auto& calendar = *impl_->calendar;
   const double wholeSeconds = std::min(std::floor(time.second), 59.0);
   calendar.clear();
   calendar.set(time.year, time.month - 1, time.day, time.hour, time.minute,
                static_cast<int32_t>(wholeSeconds));
+  UErrorCode status = U_ZERO_ERROR;
   const UDate millis = calendar.getTime(status);
   if (U_FAILURE(status)) return std::nullopt;
   return Date::fromTimeIntervalSince1970(millis / 1000.0 + (time.second - wholeSeconds));
 }
 
-}  // namespace
+std::optional<Date> localInstant(const CivilTime& time) { return LocalClock().instant(time); }
 
-std::optional<Date> localInstant(const CivilTime& time) {
-  return instantIn(detail::currentDefaultTimeZone(), time);
-}
-
+// Plain arithmetic: a fixed offset needs no time-zone rules.
 std::optional<Date> instantAtOffset(const CivilTime& time, int offsetSeconds) {
-  return instantIn(std::make_unique<icu::SimpleTimeZone>(offsetSeconds * 1000, "offset"), time);
+  using namespace std::chrono;
+  if (!validFields(time)) return std::nullopt;
+  const year_month_day day{year(time.year), month(static_cast<unsigned>(time.month)),
+                           std::chrono::day(static_cast<unsigned>(time.day))};
+  if (!day.ok()) return std::nullopt;
+  const double daySeconds = static_cast<double>(sys_days(day).time_since_epoch().count()) * 86400.0;
+  return Date::fromTimeIntervalSince1970(daySeconds + time.hour * 3600.0 + time.minute * 60.0 + time.second -
+                                         offsetSeconds);
 }
 
 struct DatePatternParser::Impl {

@@ -28,6 +28,23 @@ struct CivilTime {
 // calendar day.
 [[nodiscard]] std::optional<Date> instantAtOffset(const CivilTime& time, int offsetSeconds);
 
+// localInstant for many times in a row, as a reader of a long file needs: the default time zone is taken
+// once, at construction, and one calendar serves every call. Not safe for concurrent use.
+class LocalClock {
+ public:
+  LocalClock();
+  ~LocalClock();
+  LocalClock(const LocalClock&) = delete;
+  LocalClock& operator=(const LocalClock&) = delete;
+
+  // As localInstant, in the zone the clock was made in.
+  [[nodiscard]] std::optional<Date> instant(const CivilTime& time) const;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
 // Reads dates with an ICU pattern ("dd.MM.yyyy", "MMM d yyyy"; English month names), strictly: the whole
 // text must match. One parser may be used from several threads.
 class DatePatternParser {

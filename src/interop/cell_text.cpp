@@ -1,5 +1,7 @@
 #include "interop/cell_text.hpp"
 
+#include <algorithm>
+
 namespace cardiolith::interop::detail {
 namespace {
 
@@ -58,7 +60,10 @@ std::vector<std::string> splitTitles(std::string_view text) {
 }
 
 void appendQuoted(std::string& out, std::string_view cell, char separator) {
-  if (cell.find_first_of(std::string{separator, '"', '\n', '\r'}) == std::string_view::npos) {
+  const bool needsQuotes = std::any_of(cell.begin(), cell.end(), [separator](char c) {
+    return c == separator || c == '"' || c == '\n' || c == '\r';
+  });
+  if (!needsQuotes) {
     out += cell;
     return;
   }

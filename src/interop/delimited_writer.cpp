@@ -3,7 +3,7 @@
 #include <unordered_map>
 
 #include "cardiolith/interop/delimited.hpp"
-#include "cardiolith/platform/date_formatter.hpp"
+#include "cardiolith/platform/civil_time.hpp"
 #include "interop/cell_text.hpp"
 
 namespace cardiolith::interop {
@@ -38,6 +38,37 @@ std::vector<std::string> tagTitles(const Reading& reading,
   return result;
 }
 
+void appendDigits(std::string& out, int value, int width) {
+  char digits[8];
+  for (int i = width - 1; i >= 0; --i, value /= 10) digits[i] = static_cast<char>('0' + value % 10);
+  out.append(digits, static_cast<std::size_t>(width));
+}
+
+// "2025-01-12 08:12 +01:00": local time to the minute and the offset; "" outside the years 1-9999.
+std::string dateCell(const LocalClock& clock, Date date) {
+  const auto wallTime = clock.wallTime(date);
+  std::string text;
+  if (!wallTime) return text;
+  const auto& time = wallTime->time;
+  const int offset = wallTime->offsetSeconds;
+  const int offsetMinutes = (offset < 0 ? -offset : offset) / 60;
+  text.reserve(23);
+  appendDigits(text, time.year, 4);
+  text.push_back('-');
+  appendDigits(text, time.month, 2);
+  text.push_back('-');
+  appendDigits(text, time.day, 2);
+  text.push_back(' ');
+  appendDigits(text, time.hour, 2);
+  text.push_back(':');
+  appendDigits(text, time.minute, 2);
+  text += offset < 0 ? " -" : " +";
+  appendDigits(text, offsetMinutes / 60, 2);
+  text.push_back(':');
+  appendDigits(text, offsetMinutes % 60, 2);
+  return text;
+}
+
 }  // namespace
 
 void writeDelimited(std::ostream& out, const ReadingList& readings, const std::vector<Tag>& tags,
@@ -48,7 +79,7 @@ void writeDelimited(std::ostream& out, const ReadingList& readings, const std::v
   std::unordered_map<UUID, std::string> titles;
   for (const auto& tag : tags) titles.emplace(tag.id, tag.title);
   const auto categoryName = options.categoryName ? options.categoryName : libraryCategoryName;
-  const DateFormatter dateFormatter("yyyy-MM-dd HH:mm xxx", "en_US_POSIX");
+  const LocalClock clock;
 
   std::string row;
   for (const auto column : detail::kOwnColumns) {
@@ -62,7 +93,7 @@ void writeDelimited(std::ostream& out, const ReadingList& readings, const std::v
       detail::appendQuoted(row, detail::guardedFromFormulas(text), separator);
       row.push_back(separator);
     };
-    cell(dateFormatter.string(reading->date()));
+    cell(dateCell(clock, reading->date()));
     cell(std::to_string(reading->systolic()));
     cell(std::to_string(reading->diastolic()));
     cell(std::to_string(reading->pulse()));

@@ -9,6 +9,7 @@ namespace cardiolith::interop {
 
 ImportPlanner::ImportPlanner(const ReadingList& existing, const std::vector<Tag>& tags, ImportRules rules)
     : rules_(std::move(rules)) {
+  ids_.reserve(existing.size());
   for (const auto& reading : existing) {
     ids_.insert(text::canonical(reading->id()));
     values_.insert(keyOf(*reading));
@@ -65,7 +66,8 @@ void ImportPlanner::takeReading(IncomingReading incoming, std::string_view sourc
   auto added = Reading::decoded(id.empty() ? UUID::random().uuidString() : reading.id(), reading.date(),
                                 reading.systolic(), reading.diastolic(), reading.pulse(), reading.notes(),
                                 tagIDs, reading.healthKitID());
-  ids_.insert(text::canonical(added->id()));
+  // A new random id cannot meet a later one; only ids from the file need remembering.
+  if (!id.empty()) ids_.insert(id);
   values_.insert(key);
   plan_.added.push_back(std::move(added));
 }

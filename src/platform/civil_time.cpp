@@ -55,6 +55,32 @@ std::optional<Date> LocalClock::instant(const CivilTime& time) const {
   return Date::fromTimeIntervalSince1970(millis / 1000.0 + (time.second - wholeSeconds));
 }
 
+std::optional<LocalClock::WallTime> LocalClock::wallTime(Date date) const {
+  using namespace std::chrono;
+  if (!impl_->calendar) return std::nullopt;
+  const double utc = date.timeIntervalSince1970();
+  constexpr double kFirstSecond = -62135596800.0, kEndSecond = 253402300800.0;  // the years 1-9999
+  if (!(utc >= kFirstSecond && utc < kEndSecond)) return std::nullopt;
+  int32_t raw = 0, daylight = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  impl_->calendar->getTimeZone().getOffset(utc * 1000.0, false, raw, daylight, status);
+  if (U_FAILURE(status)) return std::nullopt;
+  const int offset = (raw + daylight) / 1000;
+  const double local = utc + offset;
+  const double days = std::floor(local / 86400.0);
+  const double secondOfDay = local - days * 86400.0;
+  const year_month_day day{sys_days(std::chrono::days(static_cast<int>(days)))};
+  WallTime reading;
+  reading.offsetSeconds = offset;
+  reading.time.year = static_cast<int>(day.year());
+  reading.time.month = static_cast<int>(static_cast<unsigned>(day.month()));
+  reading.time.day = static_cast<int>(static_cast<unsigned>(day.day()));
+  reading.time.hour = static_cast<int>(secondOfDay / 3600.0);
+  reading.time.minute = static_cast<int>((secondOfDay - reading.time.hour * 3600.0) / 60.0);
+  reading.time.second = secondOfDay - reading.time.hour * 3600.0 - reading.time.minute * 60.0;
+  return reading;
+}
+
 std::optional<Date> localInstant(const CivilTime& time) { return LocalClock().instant(time); }
 
 // Plain arithmetic: a fixed offset needs no time-zone rules.

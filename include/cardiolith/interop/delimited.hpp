@@ -22,7 +22,8 @@ namespace cardiolith::interop {
 // - a cell that a spreadsheet would run as a formula (starting with =, +, -, @, a tab or a carriage
 //   return, after any apostrophes) gets one more leading apostrophe, which our reader takes off again.
 //   Cells starting with apostrophes and no such character are left alone, so "'hello" stays "'hello";
-// - dates are local time to the minute with the UTC offset ("2025-01-12 08:12 +01:00");
+// - dates are local time to the minute with the UTC offset ("2025-01-12 08:12 +01:00"), empty outside
+//   the years 1-9999;
 // - tags are their titles, sorted, joined by "; ", with "\" and ";" inside a title escaped by "\".
 struct DelimitedWriterOptions {
   char separator = ',';

@@ -40,6 +40,14 @@ class LocalClock {
   // As localInstant, in the zone the clock was made in.
   [[nodiscard]] std::optional<Date> instant(const CivilTime& time) const;
 
+  // What the clocks of the zone show at `date`, and the zone's offset east of UTC then, in seconds.
+  // Nothing outside the years 1-9999.
+  struct WallTime {
+    CivilTime time;
+    int offsetSeconds = 0;
+  };
+  [[nodiscard]] std::optional<WallTime> wallTime(Date date) const;
+
  private:
   struct Impl;
   std::unique_ptr<Impl> impl_;

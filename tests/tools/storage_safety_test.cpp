@@ -160,7 +160,7 @@ TEST_F(StorageSafetyTest, TwoReadingsFilesAreNamedInOneWarningPerCommand) {
 TEST_F(StorageSafetyTest, AnUnreadableTagsFileIsNamedOncePerCommandWithWhatToDo) {
   succeed({"add", "120/80/60"});
   writeFile(tagsFile_, "[{\"id\": broken");
-  for (const Arguments& command : {Arguments{"list"}, Arguments{"tags"}, Arguments{"export", "--tags"}}) {
+  for (const Arguments& command : {Arguments{"list"}, Arguments{"tags"}, Arguments{"export"}}) {
     const auto result = run(command);
     EXPECT_EQ(result.exitCode, 0) << command.front();
     ASSERT_EQ(lines(result.err).size(), 1u) << result.err;

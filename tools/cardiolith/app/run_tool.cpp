@@ -69,6 +69,7 @@ int parseAndRun(int argc, char** argv) {
   addSummaryCommand(app, global);
   addClassifyCommand(app);
   addExportCommand(app, global);
+  addImportCommand(app, global);
   addTagsCommand(app, global);
   addSampleCommand(app, global);
   addChartCommand(app, global);

@@ -16,6 +16,7 @@ void addListCommand(CLI::App& app, const GlobalOptions& global);
 void addSummaryCommand(CLI::App& app, const GlobalOptions& global);
 void addClassifyCommand(CLI::App& app);
 void addExportCommand(CLI::App& app, const GlobalOptions& global);
+void addImportCommand(CLI::App& app, const GlobalOptions& global);
 void addTagsCommand(CLI::App& app, const GlobalOptions& global);
 void addSampleCommand(CLI::App& app, const GlobalOptions& global);
 void addChartCommand(CLI::App& app, const GlobalOptions& global);

@@ -15,6 +15,10 @@ const DateFormatter& isoDateFormatter();
 
 // The text on one line: line breaks become spaces, so a note can't break a table row.
 std::string singleLine(std::string_view text);
+// A person's free text made safe for any layout: line breaks (also U+2028 and U+2029) and tabs become
+// spaces, other control characters (C0, DEL, C1) are dropped, runs of spaces shrink to one and the ends are
+// trimmed. Empty when nothing printable is left.
+std::string plainNote(std::string_view text);
 // The items with `separator` between neighbours.
 std::string joined(const std::vector<std::string>& items, std::string_view separator);
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <iterator>
 
@@ -111,6 +112,22 @@ void days(Pages& pages, const HomeMonitoringReport& analysis) {
   }
 }
 
+// The person's notes, at most shownNotes of them, each after its reading's time and values.
+void notesOfThePerson(Pages& pages, const HomeReportDocument& report) {
+  const auto notes = personNotes(report.analysis);
+  if (notes.empty()) return;
+  pages.need(60);  // the heading with the first notes
+  pages.paragraph("Your notes", {11, true, ink}, 4);
+  const auto shown = std::min(notes.size(), shownNotes);
+  for (std::size_t i = 0; i < shown; ++i) {
+    pages.paragraph(notes[i].when + " \u00b7 " + noteValues(*notes[i].reading) + ": " + notes[i].text,
+                    {9, false, ink}, 3, 12);
+  }
+  if (notes.size() > shown)
+    pages.paragraph(moreNotesText(report, notes.size() - shown), {9, false, quiet}, 3);
+  pages.space(6);
+}
+
 }  // namespace
 
 std::string reportPdf(const HomeReportDocument& report) {
@@ -144,7 +161,8 @@ std::string reportPdf(const HomeReportDocument& report) {
     if (!analysis.days.empty()) pages.chart(reportChart(report, reportChartWidth));
     days(pages, analysis);
     pages.space(8);
-    pages.paragraph("Notes", {11, true, ink}, 4);
+    notesOfThePerson(pages, report);
+    pages.paragraph("About the figures", {11, true, ink}, 4);
     for (; note != notes.end(); ++note) pages.paragraph(*note, {8.5, false, quiet}, 3);
   });
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <sstream>
 #include <string_view>
 
@@ -47,6 +48,18 @@ void printWrapped(std::ostream& out, const std::string& text, std::size_t indent
     line += rest;
   }
   if (hasText()) out << line << '\n';
+}
+
+// The person's notes, at most shownNotes of them, each after its reading's time and values.
+void printPersonNotes(std::ostream& out, const HomeReportDocument& report) {
+  const auto notes = personNotes(report.analysis);
+  if (notes.empty()) return;
+  out << "Your notes\n";
+  const auto shown = std::min(notes.size(), shownNotes);
+  for (std::size_t i = 0; i < shown; ++i)
+    printWrapped(out, notes[i].when + ", " + noteValues(*notes[i].reading) + ": " + notes[i].text, 4);
+  if (notes.size() > shown) printWrapped(out, moreNotesText(report, notes.size() - shown), 0);
+  out << '\n';
 }
 
 }  // namespace
@@ -103,6 +116,7 @@ void printReportText(std::ostream& out, const HomeReportDocument& report) {
     printWrapped(out, line, 4);
   }
   out << '\n';
+  printPersonNotes(out, report);
   for (; note != notes.end(); ++note) printWrapped(out, *note, 0);
 }
 

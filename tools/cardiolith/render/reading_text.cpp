@@ -21,6 +21,33 @@ const DateFormatter& isoDateFormatter() {
 
 std::string singleLine(std::string_view text) { return text::printable(text); }
 
+std::string plainNote(std::string_view text) {
+  std::string note;
+  const auto space = [&] {
+    if (!note.empty() && note.back() != ' ') note += ' ';
+  };
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = [&](std::size_t ahead) {
+      return i + ahead < text.size() ? static_cast<unsigned char>(text[i + ahead]) : 0U;
+    };
+    if (byte == '\n' || byte == '\r' || byte == '\t' || byte == ' ') {
+      space();
+    } else if (byte < 0x20 || byte == 0x7f) {
+      continue;
+    } else if (byte == 0xc2 && next(1) >= 0x80 && next(1) <= 0x9f) {
+      ++i;  // a C1 control, two bytes in UTF-8
+    } else if (byte == 0xe2 && next(1) == 0x80 && (next(2) == 0xa8 || next(2) == 0xa9)) {
+      space();  // the line and paragraph separators
+      i += 2;
+    } else {
+      note += text[i];
+    }
+  }
+  if (!note.empty() && note.back() == ' ') note.pop_back();
+  return note;
+}
+
 std::string joined(const std::vector<std::string>& items, std::string_view separator) {
   std::string text;
   for (std::size_t i = 0; i < items.size(); ++i) {

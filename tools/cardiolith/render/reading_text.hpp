@@ -16,6 +16,10 @@ const DateFormatter& isoDateFormatter();
 // Text from the log (a note, a tag title) as it may be shown: on one line, so it can't break a table row,
 // and without control characters or bidirectional overrides, so it can't drive or garble the terminal.
 std::string singleLine(std::string_view text);
+// A person's free text made safe for any layout: line breaks (also U+2028 and U+2029) and tabs become
+// spaces, other control characters (C0, DEL, C1) are dropped, runs of spaces shrink to one and the ends are
+// trimmed. Empty when nothing printable is left.
+std::string plainNote(std::string_view text);
 // The items with `separator` between neighbours.
 std::string joined(const std::vector<std::string>& items, std::string_view separator);
 

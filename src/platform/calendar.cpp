@@ -1,6 +1,7 @@
 #include "cardiolith/platform/calendar.hpp"
 
 #include <unicode/calendar.h>
+#include <unicode/gregocal.h>
 #include <unicode/locid.h>
 #include <unicode/timezone.h>
 
@@ -100,21 +101,95 @@ std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   return days;
 }
 
-std::optional<LocalTime> Calendar::localTime(Date date) const {
-  if (!impl_) return std::nullopt;
-  const UDate millis = toMillis(date);
-  if (!std::isfinite(millis)) return std::nullopt;
+namespace {
+
+// Typed and shown dates are Gregorian whatever the locale's own calendar, so these operations use a
+// Gregorian calendar in the same time zone. Lenient, so that out-of-range fields resolve to some instant
+// that the callers then compare with what they asked for.
+std::unique_ptr<icu::GregorianCalendar> gregorianIn(const icu::Calendar& calendar) {
+  UErrorCode status = U_ZERO_ERROR;
+  auto gregorian = std::make_unique<icu::GregorianCalendar>(calendar.getTimeZone().clone(), status);
+  if (U_FAILURE(status)) return nullptr;
+  gregorian->setGregorianChange(-std::numeric_limits<double>::infinity(), status);  // proleptic
+  return U_SUCCESS(status) ? std::move(gregorian) : nullptr;
+}
+
+std::optional<Calendar::WallTime> fieldsOf(icu::Calendar& calendar, UDate millis) {
+  UErrorCode status = U_ZERO_ERROR;
+  calendar.setTime(millis, status);
+  Calendar::WallTime time{calendar.get(UCAL_EXTENDED_YEAR, status), calendar.get(UCAL_MONTH, status) + 1,
+                          calendar.get(UCAL_DATE, status), calendar.get(UCAL_HOUR_OF_DAY, status),
+                          calendar.get(UCAL_MINUTE, status)};
+  if (U_FAILURE(status)) return std::nullopt;
+  return time;
+}
+
+std::optional<UDate> millisAt(icu::Calendar& calendar, const Calendar::WallTime& time) {
+  UErrorCode status = U_ZERO_ERROR;
+  calendar.clear();
+  calendar.set(UCAL_EXTENDED_YEAR, time.year);
+  calendar.set(UCAL_MONTH, time.month - 1);
+  calendar.set(UCAL_DATE, time.day);
+  calendar.set(UCAL_HOUR_OF_DAY, time.hour);
+  calendar.set(UCAL_MINUTE, time.minute);
+  const UDate millis = calendar.getTime(status);
+  if (U_FAILURE(status)) return std::nullopt;
+  return millis;
+}
+
+}  // namespace
+
+std::optional<Calendar::WallTime> Calendar::wallTime(Date date) const {
+  if (!impl_ || !std::isfinite(toMillis(date))) return std::nullopt;
+  detail::MutexLock lock(impl_->mutex);
+  auto gregorian = gregorianIn(*impl_->calendar);
+  if (!gregorian) return std::nullopt;
+  return fieldsOf(*gregorian, std::floor(toMillis(date)));
+}
+
+std::optional<int> Calendar::weekday(Date date) const {
+  if (!impl_ || !std::isfinite(toMillis(date))) return std::nullopt;
   detail::MutexLock lock(impl_->mutex);
   auto& calendar = *impl_->calendar;
   UErrorCode status = U_ZERO_ERROR;
-  calendar.setTime(millis, status);
-  // The extended year counts years before year 1 as 0, -1, ..., so days stay ordered across the era change.
-  const LocalTime local{{calendar.get(UCAL_EXTENDED_YEAR, status), calendar.get(UCAL_MONTH, status) + 1,
-                         calendar.get(UCAL_DATE, status)},
-                        calendar.get(UCAL_HOUR_OF_DAY, status),
-                        calendar.get(UCAL_MINUTE, status)};
+  calendar.setTime(std::floor(toMillis(date)), status);
+  const int32_t day = calendar.get(UCAL_DAY_OF_WEEK, status);
   if (U_FAILURE(status)) return std::nullopt;
-  return local;
+  return day - UCAL_SUNDAY;
+}
+
+std::optional<Calendar::Instants> Calendar::instantsAt(const WallTime& time) const {
+  if (!impl_) return std::nullopt;
+  detail::MutexLock lock(impl_->mutex);
+  auto gregorian = gregorianIn(*impl_->calendar);
+  if (!gregorian) return std::nullopt;
+  gregorian->setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
+  const auto earlier = millisAt(*gregorian, time);
+  gregorian->setRepeatedWallTimeOption(UCAL_WALLTIME_LAST);
+  const auto later = millisAt(*gregorian, time);
+  // A skipped time or an impossible date resolves to an instant whose local fields are not the ones asked.
+  if (!earlier || !later || fieldsOf(*gregorian, *earlier) != time) return std::nullopt;
+  return Instants{Date::fromTimeIntervalSince1970(*earlier / 1000.0),
+                  Date::fromTimeIntervalSince1970(*later / 1000.0)};
+}
+
+std::optional<Date> Calendar::startOfDay(Date date) const {
+  const auto time = wallTime(date);
+  if (!time) return std::nullopt;
+  if (const auto midnight = instantsAt({time->year, time->month, time->day, 0, 0})) return midnight->earlier;
+  detail::MutexLock lock(impl_->mutex);
+  auto gregorian = gregorianIn(*impl_->calendar);
+  if (!gregorian) return std::nullopt;
+  gregorian->setSkippedWallTimeOption(UCAL_WALLTIME_NEXT_VALID);
+  const auto first = millisAt(*gregorian, {time->year, time->month, time->day, 0, 0});
+  if (!first) return std::nullopt;
+  return Date::fromTimeIntervalSince1970(*first / 1000.0);
+}
+
+std::optional<LocalTime> Calendar::localTime(Date date) const {
+  const auto time = wallTime(date);
+  if (!time) return std::nullopt;
+  return LocalTime{{time->year, time->month, time->day}, time->hour, time->minute};
 }
 
 }  // namespace cardiolith

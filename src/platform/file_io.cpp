@@ -1,12 +1,15 @@
 #include "platform/file_io.hpp"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <mutex>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -38,9 +41,13 @@ void writeAll(int fd, std::string_view bytes, const std::filesystem::path& path)
   }
 }
 
-// Flushes the file's content to disk, then closes it; a failure of either is a failed write.
-void closeFlushed(FileDescriptor& file, const std::filesystem::path& path) {
+// Flushes the file's content to disk; a failure is a failed write.
+void flush(const FileDescriptor& file, const std::filesystem::path& path) {
   if (::fsync(file.get()) != 0) throwFileError("cannot flush file to disk", path, errno);
+}
+
+// Closes a file whose writes may report a delayed error only now.
+void closeWritten(FileDescriptor& file, const std::filesystem::path& path) {
   if (file.release() != 0) throwFileError("cannot write file", path, errno);
 }
 
@@ -58,11 +65,51 @@ std::filesystem::path folderOf(const std::filesystem::path& path) {
   return folder.empty() ? std::filesystem::path(".") : folder;
 }
 
-// ".<name>.tmp-<16 random hex digits>": hidden, beside the file, unique among concurrent writers.
+// ".<name>.tmp-": hidden, beside the file.
+std::string temporaryPrefix(const std::filesystem::path& path) {
+  return "." + path.filename().string() + ".tmp-";
+}
+
+// The prefix and 16 random hex digits: unique among concurrent writers.
 std::string temporaryName(const std::filesystem::path& path) {
   char suffix[17];
   std::snprintf(suffix, sizeof suffix, "%016llx", static_cast<unsigned long long>(random::next64()));
-  return "." + path.filename().string() + ".tmp-" + suffix;
+  return temporaryPrefix(path) + suffix;
+}
+
+// The file that a symbolic link at `path` finally names (a log kept on a synced drive through a link is
+// written there, and the link stays), or `path` itself when it is not a link. Relative link targets are
+// taken from the link's folder, as the system does.
+std::filesystem::path linkTarget(const std::filesystem::path& path) {
+  constexpr int maximumLinks = 40;  // the system's own limit before ELOOP
+  auto current = path;
+  for (int links = 0; links < maximumLinks; ++links) {
+    std::error_code error;
+    if (!std::filesystem::is_symlink(std::filesystem::symlink_status(current, error))) return current;
+    const auto target = std::filesystem::read_symlink(current, error);
+    if (error) throwFileError("cannot follow symbolic link", current, error.value());
+    current = target.is_absolute() ? target : folderOf(current) / target;
+  }
+  throwFileError("cannot follow symbolic link", path, ELOOP);
+}
+
+// Removes the temporary files of saves that were killed before they could rename or remove them. A live
+// save holds an exclusive lock on its temporary file until it is renamed, so a file that can be locked here
+// belongs to nobody, unless it is so new that its writer has created it but not locked it yet: files
+// changed in the last minute are left for a later save.
+void removeAbandonedTemporaries(const std::filesystem::path& folder, const std::filesystem::path& path) {
+  constexpr auto minimumAge = std::chrono::minutes(1);
+  const std::string prefix = temporaryPrefix(path);
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    if (!entry.path().filename().string().starts_with(prefix)) continue;
+    FileDescriptor file(::open(entry.path().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0) continue;
+    const auto changed = std::chrono::system_clock::from_time_t(status.st_mtim.tv_sec);
+    if (std::chrono::system_clock::now() - changed < minimumAge) continue;
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) ::unlink(entry.path().c_str());
+  }
 }
 
 // Removes a file on every path out of a function, unless told to keep it.
@@ -81,14 +128,47 @@ class RemoveUnlessKept {
   bool kept_ = false;
 };
 
+struct ReadHook {
+  std::mutex mutex;
+  std::function<void(const std::filesystem::path&)> hook;
+};
+
+ReadHook& readHook() {
+  static ReadHook instance;
+  return instance;
+}
+
+// Runs the test hook, if any; returns `path` so that it can run in a member initialiser.
+const std::filesystem::path& announceRead(const std::filesystem::path& path) {
+  std::function<void(const std::filesystem::path&)> hook;
+  {
+    std::lock_guard lock(readHook().mutex);
+    hook = readHook().hook;
+  }
+  if (hook) hook(path);
+  return path;
+}
+
 }  // namespace
 
+void setReadHook(std::function<void(const std::filesystem::path&)> hook) {
+  std::lock_guard lock(readHook().mutex);
+  readHook().hook = std::move(hook);
+}
+
+// Opening without blocking lets a FIFO be refused instead of waiting for a writer that never comes.
 FileReader::FileReader(const std::filesystem::path& path)
-    : path_(path), file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    : path_(announceRead(path)), file_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
   if (file_.get() < 0) throwFileError("cannot open file for reading", path, errno);
   struct stat status {};
   if (::fstat(file_.get(), &status) != 0) throwFileError("cannot inspect file", path, errno);
   if (S_ISDIR(status.st_mode)) throwFileError("cannot read file", path, EISDIR);
+  if (!S_ISREG(status.st_mode)) {
+    throwFileError("refusing to read what is not a regular file (a FIFO, a device or a socket)", path,
+                   EINVAL);
+  }
+  if (status.st_size > static_cast<off_t>(kMaximumFileSize))
+    throwFileError("refusing to read a file larger than 1 GiB", path, EFBIG);
   size_ = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
 }
 
@@ -121,39 +201,45 @@ std::string readWholeFile(const std::filesystem::path& path, std::size_t spareCa
 }
 
 void writeWholeFile(const std::filesystem::path& path, std::string_view bytes) {
-  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
   if (file.get() < 0) throwFileError("cannot open file for writing", path, errno);
   writeAll(file.get(), bytes, path);
   if (file.release() != 0) throwFileError("cannot write file", path, errno);
 }
 
 void replaceWholeFileDurably(const std::filesystem::path& path, std::string_view bytes) {
-  const auto folder = folderOf(path);
-  const auto temporary = folder / temporaryName(path);
-  FileDescriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+  const auto target = linkTarget(path);
+  const auto folder = folderOf(target);
+  removeAbandonedTemporaries(folder, target);
+  const auto temporary = folder / temporaryName(target);
+  FileDescriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (file.get() < 0) throwFileError("cannot create temporary file", path, temporary, errno);
   RemoveUnlessKept cleanup(temporary);
+  // Marks the file as in use until it is renamed (see removeAbandonedTemporaries); a new file is free.
+  static_cast<void>(::flock(file.get(), LOCK_EX | LOCK_NB));
 
   // The new file takes the old one's permissions; should that fail, it keeps the default ones, which is
   // no reason to lose the save.
   struct stat previous {};
-  if (::stat(path.c_str(), &previous) == 0 && S_ISREG(previous.st_mode)) {
+  if (::stat(target.c_str(), &previous) == 0 && S_ISREG(previous.st_mode)) {
     static_cast<void>(::fchmod(file.get(), previous.st_mode & 07777));
   }
   writeAll(file.get(), bytes, path);
-  closeFlushed(file, path);
-  if (::rename(temporary.c_str(), path.c_str()) != 0)
+  flush(file, path);
+  if (::rename(temporary.c_str(), target.c_str()) != 0)
     throwFileError("cannot replace file", path, temporary, errno);
   cleanup.keep();
+  closeWritten(file, path);
   flushFolder(folder);
 }
 
 void createFileDurably(const std::filesystem::path& path, std::string_view bytes) {
-  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (file.get() < 0) throwFileError("cannot create file", path, errno);
   RemoveUnlessKept cleanup(path);
   writeAll(file.get(), bytes, path);
-  closeFlushed(file, path);
+  flush(file, path);
+  closeWritten(file, path);
   cleanup.keep();
   flushFolder(folderOf(path));
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,8 +28,13 @@ class FileDescriptor {
   int fd_;
 };
 
-// Reads a file from its start, a piece at a time. std::filesystem::filesystem_error, naming the path,
-// when it can't be opened or read (a missing file fails with no_such_file_or_directory).
+// The largest file that is read: a log's documents are far smaller, and anything larger is no such document.
+inline constexpr std::size_t kMaximumFileSize = std::size_t{1} << 30;
+
+// Reads a regular file from its start, a piece at a time. std::filesystem::filesystem_error, naming the
+// path, when it can't be opened or read (a missing file fails with no_such_file_or_directory), is not a
+// regular file (a FIFO or a device, also through a link: refused before anything is read, without
+// waiting for a FIFO's writer) or is larger than kMaximumFileSize (file_too_large).
 class FileReader {
  public:
   explicit FileReader(const std::filesystem::path& path);
@@ -44,21 +50,30 @@ class FileReader {
   std::size_t size_ = 0;
 };
 
+// A seam for tests that need a read to wait: `hook` runs at the start of every FileReader construction,
+// on the reading thread, with the path. Process-wide; an empty function removes it.
+void setReadHook(std::function<void(const std::filesystem::path&)> hook);
+
 // The whole content of a file. std::filesystem::filesystem_error, naming the path, when it can't be read.
 // `spareCapacity` leaves that many bytes of capacity after the content (for readers that look past the end).
 std::string readWholeFile(const std::filesystem::path& path, std::size_t spareCapacity = 0);
 
-// Writes the whole file in place, creating or truncating it. filesystem_error when it fails.
+// Writes the whole file in place, creating it (readable by its owner only) or truncating it.
+// filesystem_error when it fails.
 void writeWholeFile(const std::filesystem::path& path, std::string_view bytes);
 
 // Replaces the file's content so that a crash at any moment leaves either the old or the new content:
 // the bytes go to a new temporary file in the same folder, which is flushed to disk and renamed over
-// `path` (keeping the old file's permissions), and then the folder itself is flushed. On failure the
-// temporary file is removed and `path` is left as it was. filesystem_error naming `path` when it fails.
+// `path` (keeping the old file's permissions; a new file is readable by its owner only), and then the
+// folder itself is flushed. On failure the temporary file is removed and `path` is left as it was;
+// temporary files that killed saves left behind (unlocked and a minute old) are removed first. When `path` is
+// a symbolic link, the file it names is replaced and the link stays. filesystem_error naming `path` when it
+// fails.
 void replaceWholeFileDurably(const std::filesystem::path& path, std::string_view bytes);
 
-// Creates a new file holding the bytes, flushed to disk together with its folder entry. Fails with
-// EEXIST when anything is at `path` already; a failed write removes the partial file. filesystem_error.
+// Creates a new file (readable by its owner only) holding the bytes, flushed to disk together with its folder
+// entry. Fails with EEXIST when anything is at `path` already; a failed write removes the partial file.
+// filesystem_error.
 void createFileDurably(const std::filesystem::path& path, std::string_view bytes);
 
 // Renames `from` to `to` without ever replacing: fails with EEXIST when anything is at `to` already, and

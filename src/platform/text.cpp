@@ -1,11 +1,15 @@
 #include "cardiolith/platform/text.hpp"
 
+#include <unicode/coll.h>
+#include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -233,6 +237,80 @@ int canonicalCompare(std::string_view a, std::string_view b) {
   // UTF-8 byte order is Unicode scalar value order, so the NFC forms compare as bytes.
   if (isASCII(a) && isASCII(b)) return a.compare(b);
   return canonical(a).compare(canonical(b));
+}
+
+std::string caseFolded(std::string_view text) {
+  auto folded = detail::toICU(text);
+  folded.foldCase(U_FOLD_CASE_DEFAULT);
+  return canonical(detail::fromICU(folded));
+}
+
+int localeCompare(std::string_view a, std::string_view b) {
+  // A collator is not thread-safe; a clone per thread is, and the default locale rarely changes.
+  thread_local std::unique_ptr<icu::Collator> collator;
+  thread_local std::string collatorLocale;
+  const std::string locale = icu::Locale::getDefault().getName();
+  if (!collator || collatorLocale != locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    collator.reset(icu::Collator::createInstance(icu::Locale::getDefault(), status));
+    if (U_FAILURE(status)) collator.reset();
+    collatorLocale = locale;
+  }
+  if (collator) {
+    UErrorCode status = U_ZERO_ERROR;
+    const auto order =
+        collator->compareUTF8(icu::StringPiece(a.data(), static_cast<int32_t>(a.size())),
+                              icu::StringPiece(b.data(), static_cast<int32_t>(b.size())), status);
+    if (U_SUCCESS(status) && order != UCOL_EQUAL) return order == UCOL_LESS ? -1 : 1;
+  }
+  return canonicalCompare(a, b);
+}
+
+namespace {
+
+// Calls `visit` with each code point of UTF-8 text; invalid sequences come as U+FFFD.
+template <class Visit>
+void forEachCodePoint(std::string_view text, Visit visit) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  const auto length = static_cast<int32_t>(text.size());
+  for (int32_t offset = 0; offset < length;) {
+    UChar32 c;
+    U8_NEXT(bytes, offset, length, c);
+    visit(c < 0 ? 0xFFFD : c);
+  }
+}
+
+bool isBidiControl(UChar32 c) { return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069); }
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+  icu::UnicodeString result;
+  bool afterCarriageReturn = false;
+  forEachCodePoint(text, [&](UChar32 c) {
+    const bool lineFeedAfterReturn = afterCarriageReturn && c == '\n';
+    afterCarriageReturn = c == '\r';
+    if (lineFeedAfterReturn || isBidiControl(c)) return;
+    if (u_charType(c) == U_CONTROL_CHAR) c = ' ';
+    result.append(c);
+  });
+  return detail::fromICU(result);
+}
+
+bool isBlank(std::string_view text) {
+  bool blank = true;
+  forEachCodePoint(text, [&](UChar32 c) {
+    if (!u_hasBinaryProperty(c, UCHAR_WHITE_SPACE) &&
+        !u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT))
+      blank = false;
+  });
+  return blank;
+}
+
+std::size_t codePointCount(std::string_view text) noexcept {
+  std::size_t count = 0;
+  forEachCodePoint(text, [&](UChar32) { ++count; });
+  return count;
 }
 
 }  // namespace cardiolith::text

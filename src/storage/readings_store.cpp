@@ -39,7 +39,12 @@ std::filesystem::path migrate(const std::filesystem::path& legacy, const std::fi
   return shared;
 }
 
-std::filesystem::path activeFile(const StorageLocations& locations) {
+struct ActiveFile {
+  std::filesystem::path path;
+  bool keptOldFile = false;
+};
+
+ActiveFile activeFile(const StorageLocations& locations) {
   const auto shared = requireFolder(locations.sharedContainer) / fileName;
   if (locations.documentDirectories.empty()) detail::fatalError("Can't find documents directory");
   const auto legacy = locations.documentDirectories.front() / fileName;
@@ -49,15 +54,18 @@ std::filesystem::path activeFile(const StorageLocations& locations) {
     std::error_code ignored;  // nothing to remove is as good as removed
     std::filesystem::remove(active, ignored);
   }
-  return active;
+  return {active, active == legacy && legacy != shared};
 }
 
 }  // namespace
 
 struct ReadingsStore::Impl {
-  Impl(const StorageLocations& locations, StorageOptions options) : file(activeFile(locations), options) {}
+  Impl(const StorageLocations& locations, StorageOptions options) : Impl(activeFile(locations), options) {}
+  Impl(ActiveFile active, StorageOptions options)
+      : file(std::move(active.path), options), keptOldFile(active.keptOldFile) {}
 
   detail::DocumentFile file;
+  bool keptOldFile;
   detail::SerialQueue queue{"readings-store"};  // last: destroyed first, after running what was submitted
 };
 
@@ -83,5 +91,7 @@ std::future<void> ReadingsStore::save(Readings readings) {
 }
 
 const std::filesystem::path& ReadingsStore::localDataPath() const { return impl_->file.path(); }
+
+bool ReadingsStore::keptOldFile() const { return impl_->keptOldFile; }
 
 }  // namespace cardiolith

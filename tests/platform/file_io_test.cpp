@@ -1,7 +1,11 @@
 #include "platform/file_io.hpp"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -36,6 +40,72 @@ TEST(FileIOTest, FailuresNameThePathAndTheReason) {
           Property(&std::system_error::code, std::make_error_code(std::errc::no_such_file_or_directory)))));
   EXPECT_THROW(readWholeFile(folder.path()), std::filesystem::filesystem_error);  // a folder
   EXPECT_THROW(writeWholeFile(folder.path() / "no/such/folder/file", "x"), std::filesystem::filesystem_error);
+}
+
+std::error_code readFailure(const std::filesystem::path& path) {
+  try {
+    readWholeFile(path);
+  } catch (const std::filesystem::filesystem_error& error) {
+    return error.code();
+  }
+  return {};
+}
+
+// Each is refused before a byte is read: a FIFO without a writer would block, a device never ends.
+TEST(FileIOTest, RefusesWhatIsNotARegularFileOrTooLarge) {
+  testing::TemporaryDirectory folder;
+  const auto fifo = folder.path() / "fifo", zeroLink = folder.path() / "zero", huge = folder.path() / "huge";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  std::filesystem::create_symlink("/dev/zero", zeroLink);
+  writeWholeFile(huge, "");
+  std::filesystem::resize_file(huge, kMaximumFileSize + 1);  // sparse: takes no room
+  EXPECT_EQ(readFailure(fifo), std::errc::invalid_argument);
+  EXPECT_EQ(readFailure(zeroLink), std::errc::invalid_argument);
+  EXPECT_EQ(readFailure(huge), std::errc::file_too_large);
+}
+
+TEST(FileIOTest, DurableReplaceWritesThroughASymbolicLinkAndKeepsIt) {
+  testing::TemporaryDirectory folder;
+  const auto synced = folder.path() / "synced";
+  std::filesystem::create_directory(synced);
+  const auto target = synced / "readings", link = folder.path() / "readings";
+  writeWholeFile(target, "old");
+  std::filesystem::create_symlink("synced/readings", link);  // relative, as users make them
+  replaceWholeFileDurably(link, "new");
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(readWholeFile(target), "new");
+}
+
+TEST(FileIOTest, NewFilesAreForTheOwnerOnly) {
+  testing::TemporaryDirectory folder;
+  const auto plain = folder.path() / "plain", durable = folder.path() / "durable",
+             created = folder.path() / "created";
+  writeWholeFile(plain, "x");
+  replaceWholeFileDurably(durable, "x");
+  createFileDurably(created, "x");
+  for (const auto& path : {plain, durable, created}) {
+    EXPECT_EQ(std::filesystem::status(path).permissions() & std::filesystem::perms::all,
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write)
+        << path;
+  }
+}
+
+TEST(FileIOTest, DurableReplaceRemovesTemporariesOfKilledSavesOnly) {
+  testing::TemporaryDirectory folder;
+  const auto path = folder.path() / "readings";
+  const auto abandoned = folder.path() / ".readings.tmp-0000000000000001";
+  const auto inUse = folder.path() / ".readings.tmp-0000000000000002";
+  const auto anHourAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+  for (const auto& temporary : {abandoned, inUse}) {
+    writeWholeFile(temporary, "torn");
+    std::filesystem::last_write_time(temporary, anHourAgo);
+  }
+  FileDescriptor writer(::open(inUse.c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(writer.get(), LOCK_EX), 0);  // a save still running in another process
+  replaceWholeFileDurably(path, "saved");
+  EXPECT_FALSE(std::filesystem::exists(abandoned));
+  EXPECT_TRUE(std::filesystem::exists(inUse));
+  EXPECT_EQ(readWholeFile(path), "saved");
 }
 
 }  // namespace

@@ -88,6 +88,26 @@ TEST(StorageLocationsTest, EnvironmentPrecedenceAndFolderCreation) {
   }
 }
 
+TEST(StorageLocationsTest, RelativeVariablesAreIgnoredAndPlannedPlacesAreNotCreated) {
+  testing::TemporaryDirectory root;
+  const ScopedVariable variables[] = {{"CARDIOLITH_GROUP_CONTAINER", std::string("relative/group")},
+                                      {"CARDIOLITH_DOCUMENTS_DIR", std::string("relative/documents")},
+                                      {"XDG_DATA_HOME", std::string("relative")},
+                                      {"HOME", (root.path() / "h").string()}};
+  const auto planned = StorageLocations::planned();
+  EXPECT_EQ(planned.sharedContainer, root.path() / "h/.local/share/group.cardiolith");
+  EXPECT_EQ(planned.documentDirectories, std::vector{root.path() / "h/.local/share/cardiolith"});
+  EXPECT_FALSE(std::filesystem::exists(root.path() / "h"));
+
+  const auto created = StorageLocations::current();
+  ASSERT_EQ(created.sharedContainer, planned.sharedContainer);
+  for (auto folder = *created.sharedContainer; folder != root.path(); folder = folder.parent_path()) {
+    EXPECT_EQ(std::filesystem::status(folder).permissions() & std::filesystem::perms::all,
+              std::filesystem::perms::owner_all)
+        << folder;
+  }
+}
+
 TEST(AllInfoStringTest, DescribesTypePathsCodesAndNestedCauses) {
   try {
     try {

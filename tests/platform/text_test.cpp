@@ -1,6 +1,10 @@
 #include "cardiolith/platform/text.hpp"
 
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
+
+#include <algorithm>
+#include <vector>
 
 namespace cardiolith {
 namespace {
@@ -72,6 +76,63 @@ TEST(TextTest, Utf8Validation) {
   EXPECT_FALSE(text::isValidUTF8("\xC0\xAF"));         // overlong "/"
   EXPECT_TRUE(text::isASCII("abc"));
   EXPECT_FALSE(text::isASCII(precomposed));
+}
+
+TEST(TextTest, PrintableTextHasNoControlsAndNoReordering) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"plain note", "plain note"},
+      {"\x1b]0;owned\x07title", " ]0;owned title"},          // escape sequence, bell
+      {"two\r\nlines\nand\ttab\x7f", "two lines and tab "},  // CRLF is one space; DEL
+      {"\xc2\x9b"
+       "31m",
+       " 31m"},                                          // C1 control introducer
+      {"abc\u202Edcba\u2066x\u2069", "abcdcbax"},        // override, isolate
+      {"caf\xc3\xa9 \xff", "caf\xc3\xa9 \xef\xbf\xbd"},  // é kept, bad byte replaced
+  };
+  for (const auto& [input, expected] : cases) EXPECT_EQ(text::printable(input), expected) << input;
+}
+
+TEST(TextTest, BlankMeansNothingVisible) {
+  for (const std::string blank : {"", " \t", "\u00A0\u00A0", "\u200B", "\u200D\u2060\uFEFF \u3000"})
+    EXPECT_TRUE(text::isBlank(blank)) << blank;
+  for (const std::string visible : {"a", "\u00A0x", "\u200B.", "\u00E9"})
+    EXPECT_FALSE(text::isBlank(visible)) << visible;
+  EXPECT_EQ(text::codePointCount("caf\u00E9\u200B"), 5u);
+}
+
+}  // namespace
+}  // namespace cardiolith
+
+namespace cardiolith {
+namespace {
+
+TEST(TextTest, CaseFoldingMatchesTitlesThatDifferOnlyInCase) {
+  const struct {
+    const char *a, *b;
+    bool same;
+  } cases[] = {
+      {"Morning", "mORNING", true},
+      {"Straße", "STRASSE", true},
+      {"\u00c9t\u00e9", "E\u0301T\u00c9", true},
+      {"\u03a3\u039f\u03a3", "\u03c3\u03bf\u03c2", true},
+      {"Morning", "Mornings", false},
+      {"Ete", "\u00c9t\u00e9", false},
+  };
+  for (const auto& test : cases)
+    EXPECT_EQ(text::caseFolded(test.a) == text::caseFolded(test.b), test.same) << test.a;
+}
+
+TEST(TextTest, LocaleOrderSortsAsPeopleRead) {
+  const icu::Locale previous = icu::Locale::getDefault();
+  UErrorCode status = U_ZERO_ERROR;
+  icu::Locale::setDefault(icu::Locale("en_GB"), status);
+  std::vector<std::string> titles{"zebra", "\u00e9clair", "Banana", "apple", "Zoo"};
+  std::sort(titles.begin(), titles.end(),
+            [](const std::string& a, const std::string& b) { return text::localeCompare(a, b) < 0; });
+  EXPECT_EQ(titles, (std::vector<std::string>{"apple", "Banana", "\u00e9clair", "zebra", "Zoo"}));
+  EXPECT_LT(text::localeCompare("a", "A"), 0);
+  EXPECT_EQ(text::localeCompare("e\u0301", "\u00e9"), 0) << "canonically equal texts sort together";
+  icu::Locale::setDefault(previous, status);
 }
 
 }  // namespace

@@ -64,6 +64,7 @@ TEST_F(ReadingsStoreTest, OldFileMovesIntoTheContainerAndOnlyTheExactArgumentDel
     ProcessInfo::setArguments({"app", "-flag", argument});
     ReadingsStore store(locations());
     EXPECT_EQ(store.localDataPath(), readingsFile());
+    EXPECT_FALSE(store.keptOldFile());
     EXPECT_FALSE(fs::exists(legacyFile));
     EXPECT_THAT(logs(), ElementsAre("debug: Data migrated to shared group"));
     const bool deletes = argument == "DELETE_ALL_RECORDS";
@@ -86,6 +87,7 @@ TEST_F(ReadingsStoreTest, FailedMoveIsReportedAndTheStoreKeepsWorkingOnTheOldFil
                                 HasSubstr(readingsFile().string()))));
   EXPECT_THAT(logs(), IsEmpty());
   EXPECT_EQ(store.localDataPath(), legacyFile);
+  EXPECT_TRUE(store.keptOldFile());
   EXPECT_EQ(json::encode(store.load().get()), json::encode(sampleReadings(1)));
   store.save(sampleReadings(3)).get();
   EXPECT_EQ(readWholeFile(legacyFile), json::encode(sampleReadings(3)));

@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
+#include <future>
 #include <sstream>
 
 #include "cardiolith/platform/list_formatter.hpp"
+#include "platform/file_io.hpp"
+#include "platform/random.hpp"
 #include "storage_test_support.hpp"
 #include "support/test_seed.hpp"
 
@@ -114,7 +117,10 @@ TEST_F(TagsManagerTest, LookupsByIdsSkipUnknownIdsAndSortByTitle) {
 // is certainly made before the load is applied, and the index built meanwhile must be rebuilt after it.
 // Durable mode, so that the save replaces the pipe. Destruction waits for the save made just before it.
 TEST_F(TagsManagerTest, ChangeMadeBeforeTheLoadIsReplayedOnTheStoredTags) {
-  ASSERT_EQ(::mkfifo(tagsFile().c_str(), 0600), 0);
+  // The load waits until the file has been written, after the first change.
+  std::promise<void> written;
+  std::shared_future<void> writtenSignal = written.get_future().share();
+  detail::setReadHook([writtenSignal](const std::filesystem::path&) { writtenSignal.wait(); });
   {
     TagsManager manager(locations(), StorageOptions{.durable = true});
     change(manager, "insert 3:Early");
@@ -122,7 +128,9 @@ TEST_F(TagsManagerTest, ChangeMadeBeforeTheLoadIsReplayedOnTheStoredTags) {
     EXPECT_TRUE(indexAgreesWithList(manager));
 
     std::ofstream(tagsFile()) << json::encode(tagsFrom("2:Zulu,1:Alpha"));
+    written.set_value();
     manager.waitUntilLoaded();
+    detail::setReadHook({});
     EXPECT_EQ(manager.tags(), tagsFrom("1:Alpha,3:Early,2:Zulu"));
     EXPECT_TRUE(indexAgreesWithList(manager));
     change(manager, "delete 1:Alpha");

@@ -8,17 +8,20 @@ namespace {
 using AddCommandTest = ToolTest;
 
 TEST_F(AddCommandTest, StoresTheReadingAsTypedAndReportsIt) {
-  EXPECT_EQ(succeed({"add", "128/82", "--pulse", "71", "--at", "2026-11-20 07:45", "--note", "after coffee",
-                     "--tag", "Morning", "--tag", "left ARM"}),
-            "Added 2026-11-20 07:45  128/82 mmHg, pulse 71: High\n  Tags: Left arm, Morning\n"
-            "  Note: after coffee\nStarted a new log in " +
-                readingsFile_.string() + "\n");
-  // The pulse as a third number may be repeated by --pulse; a day alone means its midnight.
-  EXPECT_EQ(succeed({"add", "118/76/64", "--pulse", "64", "--at", "2026-11-21"}),
-            "Added 2026-11-21 00:00  118/76 mmHg, pulse 64: Normal\n");
+  const auto added = succeed({"add", "128/82", "--pulse", "71", "--at", "2026-11-20 07:45", "--note",
+                              "after coffee", "--tag", "Morning", "--tag", "left ARM"});
+  EXPECT_EQ(added, "Added 2026-11-20 07:45  128/82 mmHg, pulse 71: High  (id " +
+                       listed()[0]["id"].get<std::string>().substr(0, 8) +
+                       ")\n  Tags: Left arm, Morning\n"
+                       "  Note: after coffee\nStarted a new log in " +
+                       readingsFile_.string() + "\n");
+  // The pulse as a third number may be repeated by --pulse; leading zeros are decimal.
+  EXPECT_THAT(succeed({"add", "118/76/64", "--pulse", "064", "--at", "2026-11-21T00:00"}),
+              MatchesRegex("Added 2026-11-21 00:00  118/76 mmHg, pulse 64: Normal  \\(id [0-9A-F]{8}\\)\n"));
   // The library reads launch arguments itself and empties the log when it sees this one; typed as a note
   // it must stay a note, and the two readings before it must stay.
-  succeed({"add", "80/90", "-p", "300", "--at", "2099-01-01", "--force", "--note", "DELETE_ALL_RECORDS"});
+  succeed(
+      {"add", "80/90", "-p", "300", "--at", "2099-01-01 0:00", "--force", "--note", "DELETE_ALL_RECORDS"});
 
   auto readings = listed();
   ASSERT_EQ(readings.size(), 3u);
@@ -42,7 +45,8 @@ TEST_F(AddCommandTest, TakesTheTimeInTheLocalZone) {
 TEST_F(AddCommandTest, TwoHundredStartedAtOnceAllLand) {
   std::vector<Arguments> adds;
   for (int i = 0; i < 200; ++i)
-    adds.push_back({"add", std::to_string(100 + i % 50) + "/70/60", "--note", std::to_string(i)});
+    adds.push_back({"add", std::to_string(100 + i % 100) + "/70/" + std::to_string(60 + i / 100), "--note",
+                    std::to_string(i)});
   for (const auto& result : runAll(adds)) EXPECT_EQ(result.exitCode, 0) << result.err;
 
   const auto readings = listed();

@@ -1,6 +1,7 @@
 // What needs no data folder: the default places for the log, and classify.
 
 #include <array>
+#include <cstdio>
 
 #include "tool_test.hpp"
 
@@ -19,7 +20,7 @@ TEST_F(InvocationTest, WithoutDataDirTheLogLivesInTheDefaultPlaces) {
   environment_["CARDIOLITH_DOCUMENTS_DIR"] = (root_ / "documents").string();
   ASSERT_EQ(run({"add", "120/80/60"}, false).exitCode, 0);
   EXPECT_TRUE(std::filesystem::exists(container / "readings"));
-  EXPECT_TRUE(std::filesystem::exists(container / "readings.lock"));
+  EXPECT_FALSE(std::filesystem::exists(container / "readings.lock"));  // the folder itself is locked
   EXPECT_THAT(run({"list"}, false).out, HasSubstr("120   80     60"));
 }
 
@@ -32,7 +33,9 @@ TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
       {"150/85", "high", "High"},
       {"140/80", "veryHigh", "Very high (systolic 140 or more, or diastolic 90 or more)"},
       {"100/90", "veryHigh", "Very high"},
-      {"85/70", "unreadable", "Unreadable (the pair fits no category)"},
+      {"85/70", "unreadable",
+       "No category (outside the table) (systolic 85 is in the Low row (systolic 89 or less), but diastolic "
+       "70 is not"},
   };
   for (const auto& [pair, key, text] : cases) {
     EXPECT_THAT(succeed({"classify", pair}), ::testing::StartsWith(pair + " mmHg: " + text)) << pair;
@@ -41,6 +44,57 @@ TEST_F(InvocationTest, ClassifyNamesTheCategoryOfAPair) {
   EXPECT_EQ(succeed({"classify", "150/85", "--json"}),
             R"({"systolic":150,"diastolic":85,"category":"high","name":"High"})"
             "\n");
+}
+
+TEST_F(InvocationTest, VersionComesFromTheBuild) {
+  EXPECT_EQ(succeed({"--version"}), "cardiolith " CARDIOLITH_VERSION "\n");
+  EXPECT_EQ(succeed({"version"}), "cardiolith " CARDIOLITH_VERSION "\n");
+}
+
+// The bash script, sourced by bash, completes commands, subcommands, options and their values.
+TEST_F(InvocationTest, BashCompletionOffersCommandsOptionsAndValues) {
+  const auto script = root_ / "cardiolith.bash", driver = root_ / "complete.sh";
+  writeFile(script, succeed({"completion", "bash"}));
+  // Completes the last of its arguments, as bash does when the user presses Tab there.
+  writeFile(driver,
+            "source \"$1\"; shift\n"
+            "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _cardiolith; echo \"${COMPREPLY[*]}\"\n");
+  const std::vector<std::pair<Arguments, std::string>> cases{
+      {{"ex"}, "export"},          {{"tags", "a"}, "add"},      {{"export", "--format", ""}, "csv tsv"},
+      {{"--color", "n"}, "never"}, {{"list", "--w"}, "--wide"}, {{"completion", "f"}, "fish"},
+  };
+  for (const auto& [words, expected] : cases) {
+    std::string command = "bash " + driver.string() + " " + script.string() + " cardiolith";
+    for (const auto& word : words) command += " '" + word + "'";
+    std::string completed;
+    if (FILE* pipe = ::popen(command.c_str(), "r")) {
+      char buffer[256];
+      while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) completed += buffer;
+      ::pclose(pipe);
+    }
+    EXPECT_EQ(completed, expected + "\n") << command;
+  }
+  EXPECT_THAT(succeed({"completion", "zsh"}), ::testing::StartsWith("#compdef cardiolith\n"));
+  EXPECT_THAT(succeed({"completion", "fish"}),
+              HasSubstr("complete -c cardiolith -n 'not __fish_seen_subcommand_from"));
+}
+
+// Values the argument parser refuses are explained like every other error: what is expected, an example.
+TEST_F(InvocationTest, ParserErrorsSayWhatIsExpected) {
+  const std::vector<std::pair<Arguments, std::string>> cases{
+      {{"add", "120/80", "--pulse", "71.0"},
+       "--pulse takes a whole number of beats per minute, e.g. --pulse 71"},
+      {{"sample", "--count", "0"},
+       "--count takes a whole number of readings from 1 to 100000, e.g. --count 30"},
+      {{"export", "--format", "xls"}, "--format takes csv or tsv, e.g. --format tsv"},
+      {{"list", "--bogus"}, "--bogus\nSee cardiolith list --help for what it takes."},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const auto result = run(arguments);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.err, ::testing::StartsWith("cardiolith: "));
+    EXPECT_THAT(result.err, HasSubstr(message));
+  }
 }
 
 }  // namespace

@@ -54,13 +54,20 @@ const std::string kNotAReading = " is not a blood-pressure reading; write systol
 const std::string kReversed = "the range ends before it starts";
 const std::string kOverTheLog = "won't write over {data}/readings";
 const std::string kUnreadableLog = "can't read the readings file {data}/readings: invalid JSON";
-const std::string kUnreadableTags = "can't read the tags file {data}/tags; nothing was changed";
+const std::string kUnreadableTags =
+    "can't change the tags while the tags file {data}/tags can't be read; nothing was changed";
 const std::string kLeftAsItIs = "\nNothing was changed: the file is left exactly as it is.";
 const std::string kAboveEveryRange =
     "not added: the systolic pressure 301 is outside 40-300 mmHg; the diastolic pressure 201 is outside "
     "20-200 mmHg; the pulse 251 is outside 20-250 beats per minute.\nCheck the reading, or add --force";
 const std::string kBelowEveryRange =
     "pressure 39 is outside 40-300 mmHg; the diastolic pressure 19 is outside 20-200 mmHg; the pulse 19 is";
+const std::string kRepeatedHour =
+    "happens twice in the local time zone, because the clocks go back that night. Write it with its UTC "
+    "offset: \"2026-10-25 02:30+02:00\" for the first time, \"2026-10-25 02:30+01:00\" for the second";
+const std::string kDuplicate =
+    "not added: the log already holds this reading, old  2001-01-01 01:00  120/80 mmHg, pulse 60: Normal.\n"
+    "Add --force to keep both";
 const std::string kUnknownTag =
     "there is no tag \"Moring\"; the tags are: \"After medication\", \"Afternoon\", \"Before medication\",";
 
@@ -73,17 +80,44 @@ INSTANTIATE_TEST_SUITE_P(
         {"AddAboveEveryRange", {"add", "301/201", "-p", "251"}, 1, kAboveEveryRange},
         {"AddBelowEveryRange", {"add", "39/19", "-p", "19"}, 1, kBelowEveryRange},
         {"AddEqualPressures", {"add", "100/100", "-p", "70"}, 1, "is not below the systolic pressure 100"},
-        {"AddFutureDate", {"add", "120/80", "-p", "70", "--at", "2099-01-01"}, 1, "is in the future"},
+        {"AddFutureDate", {"add", "120/80", "-p", "70", "--at", "2099-01-01 8:00"}, 1, "is in the future"},
+        {"AddBefore1900",
+         {"add", "120/80/70", "--at", "1899-12-31 23:00"},
+         1,
+         "is before 1900; check the year"},
+        {"AddDayAlone",
+         {"add", "120/80/70", "--at", "2026-11-20"},
+         1,
+         "\"2026-11-20\" is a day without a time"},
+        {"AddRepeatedHour", {"add", "120/80/70", "--at", "2026-10-25 2:30"}, 1, kRepeatedHour},
+        {"AddDuplicate", {"add", "120/80/60", "--at", "2001-01-01 1:00"}, 1, kDuplicate},
+        {"AddHexPulse", {"add", "120/80", "-p", "0x47"}, 2, "--pulse: \"0x47\" is not a whole number"},
+        {"SummaryHexDays", {"summary", "--days", "0x7"}, 2, "\"0x7\" is not a whole number"},
+        {"EditUnknownId", {"edit", "oldy", "130/80"}, 1, "no reading has an id starting with \"oldy\""},
+        {"EditShortId", {"edit", "ol", "130/80"}, 1, "\"ol\" is too short for an id"},
+        {"EditNothing", {"edit", "old"}, 1, "nothing to change; give new values"},
+        {"EditImplausible", {"edit", "old", "301/80"}, 1, "not changed: the systolic pressure 301"},
+        {"EditDayAlone", {"edit", "old", "--at", "yesterday"}, 1, "\"yesterday\" is a day without a time"},
+        {"DeleteOneUnknown", {"delete", "old", "nope"}, 1, "no reading has an id starting with \"nope\""},
+        {"UndoNothing", {"undo"}, 1, "there is nothing to undo"},
+        {"ListUnknownTag", {"list", "--tag", "Moring"}, 1, kUnknownTag},
         {"AddUnknownTag", {"add", "120/80/70", "--tag", "Moring"}, 1, kUnknownTag},
         {"AddDots", {"add", "120/80/70", "--at", "20.11.2026"}, 1, "--at: \"20.11.2026\" is not a date"},
         {"AddSkippedTime", {"add", "120/80/70", "--at", "2026-03-29 02:30"}, 1, "does not exist in the"},
+        {"ListBadFrom", {"list", "--from", "yesterdy"}, 1, "--from: \"yesterdy\" is not a date"},
         {"ListBadSpan", {"list", "--last", "7x"}, 1, "--last: \"7x\" is not a span of days"},
         {"ListReversed", {"list", "--from", "2026-11-20", "--to", "2026-11-19"}, 1, kReversed},
         {"ListLastAndFrom", {"list", "--last", "7d", "--from", "2026-11-01"}, 2, "excludes"},
         {"SummaryZeroDays", {"summary", "--days", "0"}, 2, "--days"},
-        {"SummaryToAlone", {"summary", "--to", "2026-03-08"}, 2, "--to requires --from"},
+        {"SummaryToAlone", {"summary", "--to", "2026-03-08"}, 1, "--to needs --from"},
         {"SummaryDaysAndFrom", {"summary", "--days", "7", "--from", "2026-03-01"}, 2, "excludes"},
         {"SummaryReversed", {"summary", "--from", "2026-03-08", "--to", "2026-03-01"}, 1, kReversed},
+        {"SummaryFromFuture",
+         {"summary", "--from", "9999-01-01"},
+         1,
+         "--from: 9999-01-01 is in the future, and the period runs from it to now; give a day before today"},
+        {"ClassifyFourNumbers", {"classify", "135/95/70/1"}, 1, kNotAReading},
+        {"ClassifyNegative", {"classify", "135/-95"}, 1, kNotAReading},
         {"ExportUnknownFormat", {"export", "--format", "xlsx"}, 2, "--format"},
         {"ExportIntoNoFolder", {"export", "--out", "{data}/no/x.csv"}, 1, "couldn't write {data}/no/x.csv"},
         {"ExportOverTheLog", {"export", "--out", "{data}/./readings"}, 1, kOverTheLog},
@@ -92,12 +126,12 @@ INSTANTIATE_TEST_SUITE_P(
          1,
          "end it in .svg, .png or .pdf"},
         {"ReportOverTheLog", {"report", "-o", "{data}/./readings"}, 1, kOverTheLog},
-        {"ChartEmptyPeriod", {"chart", "--out", "{data}/chart.svg"}, 1, "no readings in the last 30 days"},
+        {"ChartEmptyPeriod", {"chart", "--out", "{data}/chart.svg"}, 1, "no readings in that period ("},
         {"SampleOverALog", {"sample"}, 1, "already holds 1 readings, and sample readings would mix"},
         {"SampleNone", {"sample", "--count", "0"}, 2, "--count"},
         {"SampleNoVariance", {"sample", "--variance", "0"}, 2, "--variance"},
         {"TagsTakenInOtherCase", {"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
-        {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that isn't blank"},
+        {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that shows something"},
         {"TagsShortColour", {"tags", "add", "Walk", "--color", "abc"}, 1, "--color: \"abc\" is not a colour"},
         {"TagsColourNotHex", {"tags", "add", "Walk", "--color", "12345g"}, 1, "is not a colour"},
         {"TagsRenameToTaken", {"tags", "rename", "Morning", "Evening"}, 1, "already a tag \"Evening\""},

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <regex>
+#include <tuple>
 
 #include "pdf_text.hpp"
 #include "tool_test.hpp"
@@ -36,6 +38,7 @@ TEST_F(ReportCommandTest, TextGivesTheHomeAverageWithoutTheFirstDayWithin80Colum
                                "Wed 4 Mar 2026: morning 136/86; evening 128/78; other 14:00 150/95"})
     EXPECT_THAT(text, HasSubstr(expected));
   EXPECT_THAT(text, Not(HasSubstr("Warning")));
+  EXPECT_THAT(text, Not(HasSubstr("Your notes")));
   for (const auto& line : lines(text))
     EXPECT_LE(std::regex_replace(line, std::regex("[\\x80-\\xbf]"), "").size(), 80u) << line;
 
@@ -86,6 +89,66 @@ TEST_F(ReportCommandTest, PdfKeepsTheFiguresAsTextAndHtmlNamesNothingOutside) {
   for (auto it = std::sregex_iterator(page.begin(), page.end(), reference); it != std::sregex_iterator();
        ++it)
     EXPECT_EQ((*it)[1].str().front(), '#') << (*it)[0];
+}
+
+// Notes of the period in every form: one with a line break and a control character, markup, and one far
+// longer than a line with a word that is too. A note before the period and a blank one are not shown.
+TEST_F(ReportCommandTest, NotesOfThePeriodAreShownAsPlainTextInEveryForm) {
+  std::string longNote;
+  for (int i = 0; i < 12; ++i) longNote += "felt fine today ";
+  longNote += std::string(100, 'Z');
+  const std::tuple<const char*, const char*, std::string> noted[] = {
+      {"124/80/60", "2026-03-06 07:00", "dizzy after\nstanding up\x07"},
+      {"122/78/61", "2026-03-06 20:00", "<script>alert(1)</script>"},
+      {"125/79/62", "2026-03-07 07:00", longNote},
+      {"127/77/63", "2026-03-07 20:00", " \n "},
+      {"126/76/64", "2026-03-01 20:00", "before the period"}};
+  for (const auto& [values, at, note] : noted) succeed({"add", values, "--at", at, "--note", note});
+
+  const std::string text = succeed(week());
+  EXPECT_THAT(text, HasSubstr("Your notes\nFri 6 Mar 2026 07:00, 124/80 mmHg, pulse 60: dizzy after "
+                              "standing up\nFri 6 Mar 2026 20:00, 122/78 mmHg, pulse 61: <script>"));
+  EXPECT_LT(text.find("Your notes"), text.find("The home average is"));
+  EXPECT_EQ(std::count(text.begin(), text.end(), 'Z'), 100);
+  for (const auto& line : lines(text)) EXPECT_LE(line.size(), 80u) << line;
+  EXPECT_THAT(text, Not(HasSubstr("before the period")));
+
+  const auto report = nlohmann::json::parse(succeed(week({"--json"})));
+  ASSERT_EQ(report["notes"].size(), 3u) << report["notes"];
+  EXPECT_EQ(report["notes"][0], (nlohmann::json{{"date", "2026-03-06T07:00:00Z"},
+                                                {"systolic", 124},
+                                                {"diastolic", 80},
+                                                {"pulse", 60},
+                                                {"notes", "dizzy after standing up"}}));
+  EXPECT_EQ(report["notes"][2]["notes"], longNote);
+
+  const auto pdf = root_ / "notes.pdf", html = root_ / "notes.html";
+  succeed(week({"--format", "pdf", "-o", pdf.string()}));
+  succeed(week({"--format", "html", "-o", html.string()}));
+  const std::string printed = pdfText(pdf);
+  EXPECT_THAT(printed, HasSubstr("dizzy after standing up"));
+  EXPECT_THAT(printed, HasSubstr("Your notes"));
+  const std::string page = readFile(html);
+  EXPECT_THAT(page, HasSubstr("<td class=\"note\">&lt;script&gt;alert(1)&lt;/script&gt;</td>"));
+  EXPECT_THAT(page, Not(HasSubstr("<script")));
+}
+
+// Beyond 20 notes the printed forms say how many more there are and where to find them; JSON has them all.
+TEST_F(ReportCommandTest, PrintsAtMostTwentyNotes) {
+  for (int minute = 0; minute < 22; ++minute) {
+    const std::string at = "2026-03-07 07:" + std::string(minute < 10 ? "0" : "") + std::to_string(minute);
+    succeed({"add", "120/80/60", "--at", at, "--note", "note at " + at});
+  }
+
+  const std::string text = succeed(week());
+  EXPECT_THAT(text, HasSubstr("note at 2026-03-07 07:19"));
+  EXPECT_THAT(text, Not(HasSubstr("note at 2026-03-07 07:20")));
+  const auto more = "2 more notes are not shown; cardiolith list --from 2026-03-02 --to 2026-03-08";
+  EXPECT_THAT(text, HasSubstr(more));
+  const auto html = root_ / "many.html";
+  succeed(week({"--format", "html", "-o", html.string()}));
+  EXPECT_THAT(readFile(html), HasSubstr(more));
+  EXPECT_EQ(nlohmann::json::parse(succeed(week({"--json"})))["notes"].size(), 22u);
 }
 
 TEST_F(ReportCommandTest, RefusesWindowsThatAreNotSpansOfHoursOrOverlap) {

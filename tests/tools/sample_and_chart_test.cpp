@@ -22,7 +22,7 @@ TEST_F(SampleAndChartTest, SampleFillsAnEmptyLogAndAddsToAFullOneOnlyWhenForced)
 
 TEST_F(SampleAndChartTest, ChartIsOnePictureWrittenAsSvgPngOrPdfByTheNameOfTheFile) {
   succeed({"sample", "--count", "20"});
-  succeed({"add", "120/80/60", "--at", "2001-01-01"});  // long before the period
+  succeed({"add", "120/80/60", "--at", "2001-01-01 8:00"});  // long before the period
   // Each format by its signature, whatever the case of the extension.
   const std::pair<const char*, std::string> formats[] = {
       {"chart.svg", "<?xml"}, {"chart.PNG", "\x89PNG\r\n\x1a\n"}, {"chart.pdf", "%PDF-"}};

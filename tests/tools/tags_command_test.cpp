@@ -24,12 +24,42 @@ TEST_F(TagsCommandTest, ReadingsKeepTheirTagThroughARenameAndThemselvesThroughAD
             "Renamed tag \"Home monitor\" to \"Clinic\"\n");
   EXPECT_EQ(listed()[0]["tags"], json({"Clinic"}));
 
-  EXPECT_THAT(succeed({"tags", "delete", "clinic"}), HasSubstr("Deleted tag \"Clinic\""));
+  EXPECT_THAT(run({"tags", "delete", "clinic"}).err,
+              HasSubstr("1 reading carries the tag \"Clinic\" (cardiolith list --tag 'Clinic' shows them)"));
+  EXPECT_EQ(succeed({"tags", "delete", "clinic", "--force"}),
+            "Deleted tag \"Clinic\"; 1 reading no longer carries it\n");
   EXPECT_EQ(listed()[0]["tags"], json::array()) << "the reading stays, without the tag";
   EXPECT_EQ(lines(succeed({"tags"})), defaults);
 
   succeed({"tags", "rename", "Morning", "morning"});  // another case of its own title is not taken
   EXPECT_THAT(succeed({"tags"}), MatchesRegex(".*\nmorning +#af52de\n.*"));
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::testing
+
+namespace cardiolith::tool::testing {
+namespace {
+
+TEST_F(TagsCommandTest, DeletingTheLastTagSaysTheDefaultsComeBackAndTitlesSortByLocale) {
+  writeFile(tagsFile_,
+            R"([{"id":"0F2B6A4C-1B7E-4C1A-9E55-2B7A1C9D3E01","title":"Clinic","colorHex":"34c759"}])");
+  EXPECT_EQ(
+      succeed({"tags", "delete", "CLINIC"}),
+      "Deleted tag \"Clinic\"\nThat was the last tag, so the ten default tags come back (cardiolith tags "
+      "shows them).\n");
+  EXPECT_EQ(lines(succeed({"tags"})).size(), 12u);
+
+  environment_["LANG"] =
+      "en_GB.UTF-8";  // ICU's own data has the collation, installed in the C library or not
+  for (const char* title : {"zebra", "\u00e9clair", "apple"}) succeed({"tags", "add", title});
+  std::vector<std::string> order;
+  for (const auto& row : lines(succeed({"tags"}))) {
+    for (const std::string title : {"apple", "\u00e9clair", "zebra", "Evening"}) {
+      if (row.starts_with(title + " ")) order.push_back(title);
+    }
+  }
+  EXPECT_EQ(order, (std::vector<std::string>{"apple", "\u00e9clair", "Evening", "zebra"}));
 }
 
 }  // namespace

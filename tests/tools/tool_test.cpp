@@ -37,7 +37,7 @@ std::vector<ToolResult> ToolTest::runAll(const std::vector<Arguments>& runs, boo
   auto envPointers = pointers(envp);
   std::vector<std::pair<pid_t, std::string>> started;  // each run's process and the stem of its output files
   for (const auto& arguments : runs) {
-    Arguments argv{CARDIOLITH_TOOL_PATH};
+    Arguments argv{argv0_.value_or(program_)};
     if (withDataDir) argv.insert(argv.end(), {"--data-dir", data_.string()});
     argv.insert(argv.end(), arguments.begin(), arguments.end());
     const std::string output = (root_ / ("process-" + std::to_string(processes_++))).string();
@@ -52,7 +52,7 @@ std::vector<ToolResult> ToolTest::runAll(const std::vector<Arguments>& runs, boo
     auto argPointers = pointers(argv);
     pid_t pid = -1;
     const int error =
-        posix_spawn(&pid, argv.front().c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
+        posix_spawn(&pid, program_.c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) throw std::runtime_error(std::string("can't start the tool: ") + std::strerror(error));
     started.emplace_back(pid, output);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,7 +45,9 @@ class ToolTest : public ::testing::Test {
   const std::filesystem::path root_ = folder_.path(), data_ = root_ / "data";
   const std::filesystem::path readingsFile_ = data_ / "readings", tagsFile_ = data_ / "tags";
   std::map<std::string, std::string> environment_;
-  int processes_ = 0;  // names each run's captured output
+  std::string program_ = CARDIOLITH_TOOL_PATH;  // the file that is run
+  std::optional<std::string> argv0_;            // the name it is run under, if not program_ (exec -a)
+  int processes_ = 0;                           // names each run's captured output
 };
 
 std::string readFile(const std::filesystem::path& path);

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 
 namespace cardiolith::tool {
 
@@ -10,6 +11,8 @@ struct GlobalOptions {
   // One folder for both the shared container and the private documents folder; absent: the platform's
   // default places.
   std::optional<std::filesystem::path> dataDir;
+  // --color: "auto" (colour on a terminal, unless NO_COLOR is set), "always" or "never".
+  std::string color = "auto";
 };
 
 }  // namespace cardiolith::tool

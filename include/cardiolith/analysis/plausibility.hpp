@@ -20,4 +20,11 @@ namespace cardiolith {
 [[nodiscard]] CARDIOLITH_EXPORT std::vector<std::string> implausibilities(std::int64_t systolic, std::int64_t diastolic,
                                                         std::int64_t pulse);
 
+// True for a pressure pair in the hypertensive-crisis range: systolic 180 mmHg or more, or diastolic 120
+// mmHg or more. Such a reading calls for measuring again after a few minutes and, if it stays this high,
+// for medical help, whatever the category table says. Pure, constexpr.
+[[nodiscard]] constexpr bool isHypertensiveCrisis(std::int64_t systolic, std::int64_t diastolic) {
+  return systolic >= 180 || diastolic >= 120;
+}
+
 }  // namespace cardiolith

@@ -45,6 +45,30 @@ class CARDIOLITH_EXPORT Calendar {
   // Thread-safe, like every operation of a calendar.
   [[nodiscard]] std::optional<LocalTime> localTime(Date date) const;
 
+  // A date and wall-clock time on the Gregorian calendar, as people type and read them.
+  struct WallTime {
+    int year = 0, month = 0, day = 0;  // month and day count from 1
+    int hour = 0, minute = 0;
+    friend bool operator==(const WallTime&, const WallTime&) = default;
+  };
+
+  // The local Gregorian date and time of `date` in this calendar's time zone (seconds dropped), and its
+  // weekday, 0 for Sunday to 6 for Saturday. Nothing for an instant the calendar can't represent.
+  std::optional<WallTime> wallTime(Date date) const;
+  std::optional<int> weekday(Date date) const;
+
+  // The instants at which the local clock shows `time`. Usually one (earlier == later). Where the clocks
+  // go back and the time happens twice, `earlier` and `later` are the two instants, an hour or so apart.
+  // Where the clocks skip the time, or the date isn't on the calendar (31 April), there are none.
+  struct Instants {
+    Date earlier, later;
+  };
+  std::optional<Instants> instantsAt(const WallTime& time) const;
+
+  // The first instant of the local day that `date` falls on: its midnight, or the first minute after it
+  // where the clocks skip midnight. Nothing for an instant the calendar can't represent.
+  std::optional<Date> startOfDay(Date date) const;
+
   struct Impl;
 
  private:

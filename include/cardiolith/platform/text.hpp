@@ -35,4 +35,26 @@ namespace cardiolith::text {
 // Negative, zero or positive like strcmp.
 [[nodiscard]] CARDIOLITH_EXPORT int canonicalCompare(std::string_view a, std::string_view b);
 
+// The text with letter case removed under Unicode's full case folding, in NFC: two titles that differ only in
+// case ("Straße", "STRASSE"; "Éte", "éTE") fold to the same text. For matching, never for display.
+std::string caseFolded(std::string_view text);
+
+// Orders texts as the user's locale sorts them (its collation: "apple" < "Banana" < "éclair" < "zebra"),
+// for lists that people read. Texts that collate equal are ordered by canonicalCompare, so the order is
+// total. Negative, zero or positive like strcmp. May be called from any thread.
+int localeCompare(std::string_view a, std::string_view b);
+
+// The text made safe to show on a terminal or in a table cell: control characters (C0, DEL and C1, line
+// breaks and tabs included, which would move the cursor or end a row) become spaces, a CRLF pair one
+// space; bidirectional embeddings, overrides and isolates (U+202A-U+202E, U+2066-U+2069), which would
+// reorder what follows them on the line, are dropped; invalid UTF-8 becomes U+FFFD. Other text is unchanged.
+std::string printable(std::string_view text);
+
+// True when the text shows nothing: empty, or only white space (no-break spaces included) and invisible
+// characters such as zero-width spaces and joiners (Unicode's default-ignorable code points).
+bool isBlank(std::string_view text);
+
+// The number of Unicode code points of UTF-8 text (each invalid byte counts as one).
+std::size_t codePointCount(std::string_view text) noexcept;
+
 }  // namespace cardiolith::text

@@ -37,6 +37,10 @@ class CARDIOLITH_EXPORT ReadingsStore {
 
   // The file that load() reads and save() writes.
   const std::filesystem::path& localDataPath() const;
+  // True when the old file of the documents folder could not be moved into the shared container (most
+  // often because a file is there too), so that localDataPath() is the old file and the shared one is
+  // neither read nor written. A host should tell the user, who may want to merge the two.
+  bool keptOldFile() const;
 
  private:
   struct Impl;

@@ -17,7 +17,17 @@ TEST(CategoryTextTest, RulesSpellOutTheTableRows) {
   EXPECT_EQ(categoryRule(Category::normal), "systolic 90-120 and diastolic 60-80");
   EXPECT_EQ(categoryRule(Category::high), "systolic 130-139, or diastolic 81-89");
   EXPECT_EQ(categoryRule(Category::veryHigh), "systolic 140 or more, or diastolic 90 or more");
-  EXPECT_EQ(categoryRule(Category::unreadable), "the pair fits no category");
+  EXPECT_EQ(categoryRule(Category::unreadable), "no row of the category table holds this pair");
+}
+
+TEST(CategoryTextTest, APairOutsideTheTableIsToldWhichRowItMissed) {
+  EXPECT_EQ(
+      missedRule(85, 70),
+      "systolic 85 is in the Low row (systolic 89 or less), but diastolic 70 is not (diastolic 59 or less)");
+  EXPECT_EQ(
+      missedRule(100, 50),
+      "diastolic 50 is in the Low row (diastolic 59 or less), but systolic 100 is not (systolic 89 or less)");
+  EXPECT_EQ(BloodPressureAnalyzer::result(100, 50), Category::unreadable);
 }
 
 // Band edges lie halfway between the last value of one category and the first of the next; diastolic has

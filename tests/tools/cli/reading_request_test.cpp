@@ -57,5 +57,13 @@ TEST(ReadingRequestTest, AMalformedDateIsTheToolsOwnRefusal) {
                ToolError);
 }
 
+TEST(ReadingRequestTest, AFutureDateNeedsForceWhereverForceStands) {
+  EXPECT_THROW((void)parseNewReading(R"({"systolic":120,"diastolic":80,"pulse":60,"at":"2100-01-01 08:00"})"),
+               ToolError);
+  const auto forced =
+      parseNewReading(R"({"systolic":120,"diastolic":80,"pulse":60,"at":"2100-01-01 08:00","force":true})");
+  EXPECT_TRUE(forced.date.has_value());
+}
+
 }  // namespace
 }  // namespace cardiolith::tool::serve

@@ -4,9 +4,16 @@
 #include <cardiolith/platform/process_info.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <string_view>
 
+#include "app/completion.hpp"
+#include "app/usage_error.hpp"
+#include "app/version.hpp"
 #include "commands/commands.hpp"
 #include "global_options.hpp"
+#include "input/decimal_options.hpp"
+#include "log/change_history.hpp"
 #include "log/library_log.hpp"
 #include "tool_error.hpp"
 
@@ -15,11 +22,26 @@ namespace {
 
 constexpr int usageError = 2;
 
+// The arguments as a person would retype them, for the undo history: "add 138/85 --note 'after a walk'".
+std::string commandLine(int argc, char** argv) {
+  std::string line;
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (!line.empty()) line += ' ';
+    const bool plain =
+        !argument.empty() && argument.find_first_of(" \t\n'\"\\$`;&|<>()*?#~") == std::string_view::npos;
+    line += plain ? std::string(argument) : "'" + std::string(argument) + "'";
+  }
+  return line;
+}
+
 int parseAndRun(int argc, char** argv) {
   // The library reads launch arguments for itself, and "DELETE_ALL_RECORDS" among them empties the log.
-  // A note or a tag title is not a launch argument: the library sees the program name only.
-  cardiolith::ProcessInfo::setArguments({argc > 0 ? argv[0] : "cardiolith"});
+  // Neither a note nor the name the tool was started under (a link, exec -a) is a launch argument: the
+  // library sees a fixed program name only.
+  cardiolith::ProcessInfo::setArguments({"cardiolith"});
   LibraryLog::install();
+  ChangeHistory::startChange(commandLine(argc, argv));
 
   GlobalOptions global;
   CLI::App app{"Keep a blood-pressure log: add readings, list, summarise, export and chart them."};
@@ -28,26 +50,42 @@ int parseAndRun(int argc, char** argv) {
   app.require_subcommand(0, 1);
   app.add_option("--data-dir", global.dataDir,
                  "Keep the log in this folder (created if needed) instead of the default places");
+  app.add_option("--color,--colour", global.color,
+                 "Colour the categories: auto (on a terminal, unless NO_COLOR is set), always or never")
+      ->check(CLI::IsMember({"auto", "always", "never"}));
+  app.set_version_flag("--version", "cardiolith " + std::string(kVersion), "Print the version and exit");
+  app.add_subcommand("version", "Print the version")->callback([] {
+    std::cout << "cardiolith " << kVersion << '\n';
+  });
   app.footer(
       "Start with:  cardiolith add 128/82 --pulse 71\n"
       "Each command has its own --help.");
 
   addAddCommand(app, global);
+  addEditCommand(app, global);
+  addDeleteCommand(app, global);
+  addUndoCommand(app, global);
   addListCommand(app, global);
   addSummaryCommand(app, global);
   addClassifyCommand(app);
   addExportCommand(app, global);
+  addImportCommand(app, global);
   addTagsCommand(app, global);
   addSampleCommand(app, global);
   addChartCommand(app, global);
   addReportCommand(app, global);
+  addInfoCommand(app, global);
   addServeCommand(app, global);
+  addCompletionCommand(app);
+  requireDecimalIntegers(app);
 
   try {
     app.parse(argc, argv);
+  } catch (const CLI::Success& request) {  // --help, --version
+    return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    const int status = app.exit(error);
-    return status == 0 ? 0 : usageError;
+    std::cerr << "cardiolith: " << usageErrorText(error, parsedCommand(app)) << '\n';
+    return usageError;
   }
   if (app.get_subcommands().empty()) std::cout << app.help();
   return 0;

@@ -1,3 +1,4 @@
+#include <cardiolith/analysis/plausibility.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <iostream>
 #include <memory>
@@ -10,6 +11,7 @@
 #include "input/date_input.hpp"
 #include "input/pressure_input.hpp"
 #include "log/data_folder.hpp"
+#include "render/category_text.hpp"
 #include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
@@ -44,18 +46,22 @@ void runAdd(const AddOptions& options, const GlobalOptions& global) {
   request.systolic = input.systolic;
   request.diastolic = input.diastolic;
   request.pulse = chosenPulse(input, options);
-  if (options.at) request.date = parseDateTime(*options.at, "--at");
+  const auto dates = DateReader::current();
+  request.date = options.at ? dates.readingTime(*options.at, "--at", options.force) : dates.now();
   request.note = options.note;
   request.tags = options.tags;
   request.force = options.force;
+  // Formatted before addReading takes the lock, which concurrent adds wait for: the first date formatting
+  // loads the locale data.
+  const std::string when = displayDateFormatter().string(*request.date);
 
   const DataFolder folder(global);
   const AddedReading added = addReading(folder, request);
   const Reading& reading = *added.reading;
-  std::cout << "Added " << displayDateFormatter().string(reading.date()) << "  " << describeValues(reading)
-            << "\n";
-  if (!added.tagTitles.empty()) std::cout << "  Tags: " << joined(added.tagTitles, ", ") << "\n";
+  std::cout << "Added " << when << "  " << describeValues(reading) << "  (id " << added.shortId << ")\n";
+  if (!added.tagTitles.empty()) std::cout << "  Tags: " << singleLine(joined(added.tagTitles, ", ")) << "\n";
   if (reading.notes()) std::cout << "  Note: " << singleLine(*reading.notes()) << "\n";
+  if (isHypertensiveCrisis(reading.systolic(), reading.diastolic())) std::cout << kCrisisAdvice << "\n";
   if (added.newLogFile) std::cout << "Started a new log in " << added.newLogFile->string() << "\n";
 }
 
@@ -70,10 +76,13 @@ void addAddCommand(CLI::App& app, const GlobalOptions& global) {
       ->required();
   command->add_option("--pulse,-p", options->pulse, "Pulse in beats per minute");
   command->add_option("--at", options->at,
-                      "When it was taken: \"YYYY-MM-DD HH:MM\" or YYYY-MM-DD, local time (default: now)");
+                      "When it was taken (default: now): \"2026-11-20 7:45\", 7:45 (today), \"yesterday "
+                      "21:30\", \"mon 8:00\", -2h, \"30m ago\"");
   command->add_option("--note,-n", options->note, "A note to keep with the reading");
   command->add_option("--tag,-t", options->tags, "A tag title; repeat for several (see: cardiolith tags)");
-  command->add_flag("--force", options->force, "Keep values outside the usual human range, or a future date");
+  command->add_flag(
+      "--force", options->force,
+      "Keep values outside the usual human range, a date before 1900 or in the future, or a duplicate");
   command->callback([options, &global] { runAdd(*options, global); });
 }
 

@@ -1,53 +1,47 @@
 #include <algorithm>
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
-#include <cardiolith/model/collection.hpp>
+#include <cardiolith/model/reading_lookup.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <iostream>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 
 #include "commands/commands.hpp"
 #include "input/date_input.hpp"
+#include "input/period_options.hpp"
 #include "log/data_folder.hpp"
 #include "log/tag_list.hpp"
 #include "render/category_text.hpp"
 #include "render/log_json.hpp"
 #include "render/reading_text.hpp"
+#include "render/terminal.hpp"
 #include "render/text_table.hpp"
 
 namespace cardiolith::tool {
 namespace {
 
 struct ListOptions {
-  std::optional<std::string> from;
-  std::optional<std::string> to;
-  std::optional<std::string> last;
+  PeriodOptions period;
+  bool reverse = false;
+  bool wide = false;
   bool json = false;
 };
-
-struct DateRange {
-  Date from{-std::numeric_limits<double>::infinity()};
-  Date to{std::numeric_limits<double>::infinity()};
-};
-
-DateRange chosenRange(const ListOptions& options) {
-  DateRange range;
-  if (options.last) range.from = Date::now().addingDays(-parseSpanDays(*options.last, "--last"));
-  if (options.from) range.from = parseDateTime(*options.from, "--from");
-  if (options.to) range.to = parseRangeEnd(*options.to, "--to");
-  requireOrdered(range.from, range.to);
-  return range;
-}
 
 BloodPressureAnalysis categoryOf(const Reading& reading) {
   return BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic());
 }
 
-void printTable(const ReadingList& readings, const TagList& tags) {
+// One row per reading; on a terminal, shortened to its width (unless --wide) and with coloured categories.
+void printTable(const ReadingList& readings, const ReadingList& log, const TagList& tags,
+                const ListOptions& options, const GlobalOptions& global) {
   using Align = TextTable::Align;
-  TextTable table({{"Date"},
+  const auto ids = shortestUniqueIdPrefixes(log);
+  std::unordered_map<const Reading*, std::string> shortIds;
+  for (std::size_t i = 0; i < log.size(); ++i) shortIds.emplace(log[i].get(), ids[i]);
+  TextTable table({{"Id"},
+                   {"Date"},
                    {"Sys", Align::right},
                    {"Dia", Align::right},
                    {"Pulse", Align::right},
@@ -55,22 +49,31 @@ void printTable(const ReadingList& readings, const TagList& tags) {
                    {"Tags"},
                    {"Notes"}});
   for (const auto& reading : readings) {
-    table.addRow({displayDateFormatter().string(reading->date()), std::to_string(reading->systolic()),
-                  std::to_string(reading->diastolic()), std::to_string(reading->pulse()),
-                  std::string(categoryName(categoryOf(*reading))),
-                  joined(tags.titles(reading->tagIDs()), ", "), singleLine(reading->notes().value_or(""))});
+    table.addRow({shortIds.at(reading.get()), displayDateFormatter().string(reading->date()),
+                  std::to_string(reading->systolic()), std::to_string(reading->diastolic()),
+                  std::to_string(reading->pulse()), std::string(categoryName(categoryOf(*reading))),
+                  singleLine(joined(tags.titles(reading->tagIDs()), ", ")),
+                  singleLine(reading->notes().value_or(""))});
   }
-  table.print(std::cout);
+  constexpr std::size_t categoryColumn = 5;
+  const TerminalStyle style = standardOutputStyle(global.color);
+  TextTable::PrintOptions print;
+  if (!options.wide) print.width = style.width;
+  print.decorate = [&](std::size_t row, std::size_t column, const std::string& padded) {
+    return column == categoryColumn ? colored(padded, categoryOf(*readings[row]), style.color) : padded;
+  };
+  table.print(std::cout, print);
 }
 
 void runList(const ListOptions& options, const GlobalOptions& global) {
-  const DateRange range = chosenRange(options);
+  const Period period = choosePeriod(options.period, DateReader::current(), std::nullopt);
   const DataFolder folder(global);
   const TagList tags(folder);
   ReadingsLog log(folder, ReadingsLog::Access::read);
-  auto selection = filtered(log.readings(), range.from, range.to);
-  std::stable_sort(selection.begin(), selection.end(),
-                   [](const auto& a, const auto& b) { return a->date() > b->date(); });
+  auto selection = selectReadings(log.readings(), period, options.period, tags);
+  std::stable_sort(selection.begin(), selection.end(), [&](const auto& a, const auto& b) {
+    return options.reverse ? a->date() < b->date() : a->date() > b->date();
+  });
 
   if (options.json) {
     writeReadingsJson(std::cout, selection, tags);
@@ -80,10 +83,10 @@ void runList(const ListOptions& options, const GlobalOptions& global) {
   if (log.readings().empty()) {
     std::cout << "The log is empty. Add a reading with:\n  cardiolith add 128/82 --pulse 71\n";
   } else if (selection.empty()) {
-    std::cout << "No readings in that range; the log holds " << log.readings().size()
+    std::cout << "No readings match; the log holds " << log.readings().size()
               << " in all (cardiolith list shows every one).\n";
   } else {
-    printTable(selection, tags);
+    printTable(selection, log.readings(), tags, options, global);
   }
 }
 
@@ -91,13 +94,11 @@ void runList(const ListOptions& options, const GlobalOptions& global) {
 
 void addListCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ListOptions>();
-  auto* command = app.add_subcommand("list", "Show the readings, newest first");
-  auto* from =
-      command->add_option("--from", options->from, "First day (YYYY-MM-DD) or minute (\"YYYY-MM-DD HH:MM\")");
-  auto* to = command->add_option("--to", options->to, "Last day (included) or minute");
-  command->add_option("--last", options->last, "Only the last days or weeks: 7d, 2w")
-      ->excludes(from)
-      ->excludes(to);
+  auto* command = app.add_subcommand("list", "Show the readings with their ids, newest first");
+  addPeriodOptions(*command, options->period);
+  command->add_flag("--reverse,-r", options->reverse, "Oldest first");
+  command->add_flag("--wide", options->wide,
+                    "Show whole notes, even where lines get longer than the terminal");
   command->add_flag("--json", options->json, "Write JSON for scripts instead of a table");
   command->callback([options, &global] { runList(*options, global); });
 }

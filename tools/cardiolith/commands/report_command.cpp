@@ -2,6 +2,7 @@
 
 #include <cardiolith/analysis/home_monitoring.hpp>
 #include <charconv>
+#include <cmath>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -10,6 +11,7 @@
 
 #include "commands/commands.hpp"
 #include "input/date_input.hpp"
+#include "input/period_options.hpp"
 #include "input/pressure_input.hpp"
 #include "log/data_folder.hpp"
 #include "log/output_file.hpp"
@@ -64,10 +66,9 @@ HomeMonitoringOptions analysisOptions(const ReportOptions& options) {
   return analysis;
 }
 
-void write(const ReportOptions& options, const std::string& bytes, const DataFolder& folder,
-           const ReadingsLog& log) {
+void write(const ReportOptions& options, const std::string& bytes, const DataFolder& folder) {
   if (options.out) {
-    writeOutputFile(*options.out, bytes, {log.file(), folder.tagsFile(), folder.lockFile()});
+    writeOutputFile(*options.out, bytes, folder.ownFiles());
     std::cout << "Wrote the " << options.format << " report to " << *options.out << '\n';
     return;
   }
@@ -78,7 +79,7 @@ void write(const ReportOptions& options, const std::string& bytes, const DataFol
 
 void runReport(const ReportOptions& options, const GlobalOptions& global) {
   const auto analysisSettings = analysisOptions(options);
-  const auto [from, to] = reportDays(options.from, options.to, options.last);
+  const auto [from, to] = reportDays(options.from, options.to, options.last, DateReader::current());
   const DataFolder folder(global);
   ReadingsLog log(folder, ReadingsLog::Access::read);
   const HomeReportDocument report{HomeMonitoringAnalyzer::analyse(log.readings(), from, to, analysisSettings),
@@ -89,11 +90,11 @@ void runReport(const ReportOptions& options, const GlobalOptions& global) {
   } else if (options.format == "text") {
     printReportText(text, report);
   } else if (options.format == "html") {
-    return write(options, reportHtml(report), folder, log);
+    return write(options, reportHtml(report), folder);
   } else {
-    return write(options, reportPdf(report), folder, log);
+    return write(options, reportPdf(report), folder);
   }
-  write(options, text.str(), folder, log);
+  write(options, text.str(), folder);
 }
 
 }  // namespace
@@ -106,7 +107,9 @@ void addReportCommand(CLI::App& app, const GlobalOptions& global) {
       "left out, day by day");
   auto* from = command->add_option("--from", options->from, "First day (YYYY-MM-DD)");
   command->add_option("--to", options->to, "Last day (included); default today")->needs(from);
-  command->add_option("--last", options->last, "The last N days up to now, \"7d\" (the default) or \"2w\"")
+  command
+      ->add_option("--last", options->last,
+                   "The last N whole days, today included: \"7d\" (the default) or \"2w\"")
       ->excludes(from);
   command->add_option("--format", options->format, "text (the default), html or pdf")
       ->check(CLI::IsMember({"text", "html", "pdf"}));

@@ -4,44 +4,35 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "commands/commands.hpp"
 #include "input/date_input.hpp"
+#include "input/period_options.hpp"
 #include "log/data_folder.hpp"
+#include "log/tag_list.hpp"
 #include "render/category_text.hpp"
 #include "render/log_json.hpp"
 #include "render/reading_text.hpp"
 #include "render/text_table.hpp"
+#include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
 
 struct SummaryOptions {
-  std::int64_t days = 7;
-  std::optional<std::string> from;
-  std::optional<std::string> to;
+  PeriodOptions period;
+  std::optional<std::int64_t> days;
   bool json = false;
 };
 
-struct Period {
-  Date start;
-  Date end;
-  std::string name;
-};
+constexpr std::int64_t defaultDays = 7;
 
-Period chosenPeriod(const SummaryOptions& options) {
-  const Date now = Date::now();
-  if (options.from) {
-    const Date start = parseDateTime(*options.from, "--from");
-    const Date end = options.to ? parseRangeEnd(*options.to, "--to") : now;
-    requireOrdered(start, end);
-    return {start, end, "From " + *options.from + " to " + options.to.value_or("now")};
-  }
-  return {now.addingDays(-options.days), now,
-          "Last " + std::to_string(options.days) + (options.days == 1 ? " day" : " days")};
+std::string readingCount(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " reading" : " readings");
 }
 
 std::string formatted(const char* format, double value) {
@@ -64,10 +55,13 @@ std::string changeCell(std::optional<float> change) {
   return arrow + formatted("%+.1f%%", value);
 }
 
-void printText(const ReadingsSummary& summary, const Period& period, std::size_t readingCount) {
-  std::cout << period.name << " (" << displayDateFormatter().string(period.start) << " to "
-            << displayDateFormatter().string(period.end) << "): " << readingCount
-            << (readingCount == 1 ? " reading" : " readings") << "\n\n";
+void printText(const ReadingsSummary& summary, const Period& period, const ComparedCounts& counts) {
+  std::cout << period.name << " (" << period.bounds() << "): " << readingCount(counts.current) << "\n";
+  if (counts.previousPeriod) {
+    std::cout << counts.previousPeriod->name << " (" << counts.previousPeriod->bounds()
+              << "): " << readingCount(counts.previous) << "\n";
+  }
+  std::cout << "\n";
   if (!summary.currentPeriodAverage()) {
     std::cout << "No readings in this period. Choose a longer one with --days, or see them all with: "
                  "cardiolith list\n";
@@ -93,24 +87,45 @@ void printText(const ReadingsSummary& summary, const Period& period, std::size_t
 }
 
 void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
-  const Period period = chosenPeriod(options);
+  const auto dates = DateReader::current();
+  PeriodOptions choice = options.period;
+  if (options.days) choice.last = std::to_string(*options.days);
+  Period period = choosePeriod(choice, dates, defaultDays);
+  if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) {
+    // Without --to the period ends now, so a start after now is the start's fault, and the message says so.
+    if (period.start > dates.now()) {
+      throw ToolError("--from: " + options.period.from.value_or("") +
+                      " is in the future, and the period runs from it to now; give a day before today, e.g. "
+                      "--from " +
+                      displayDateFormatter().string(dates.now().addingDays(-30)).substr(0, 10));
+    }
+    period.end = dates.now();
+    period.name += " to now";
+  }
+  if (!std::isfinite(period.start.timeIntervalSinceReferenceDate()))
+    throw ToolError(
+        "--to needs --from here: a summary compares its period with the one before, so it needs a start");
   const DataFolder folder(global);
+  const TagList tags(folder);
   ReadingsLog log(folder, ReadingsLog::Access::read);
-  const auto& readings = log.readings();
-  const auto summary = ReadingsSummarizer::summarise(readings, period.start, period.end);
-  const std::size_t readingCount = filtered(readings, period.start, period.end).size();
+  // The tag filter applies to both periods; the period's own bounds are applied by the summarizer.
+  const Period everything{Date(-std::numeric_limits<double>::infinity()),
+                          Date(std::numeric_limits<double>::infinity()), false, ""};
+  const auto readings = selectReadings(log.readings(), everything, options.period, tags);
+  const auto summary = ReadingsSummarizer::summarise(readings, period.start, period.summaryEnd());
+  const ComparedCounts counts = countComparedReadings(readings, period, dates.calendar());
 
   if (options.json) {
-    writeSummaryJson(std::cout, summary, period.start, period.end, readingCount);
+    writeSummaryJson(std::cout, summary, period, counts);
     std::cout << '\n';
     return;
   }
-  if (readings.empty()) {
+  if (log.readings().empty()) {
     std::cout << "The log is empty, so there is nothing to summarise yet. Add a reading with:\n"
                  "  cardiolith add 128/82 --pulse 71\n";
     return;
   }
-  printText(summary, period, readingCount);
+  printText(summary, period, counts);
 }
 
 }  // namespace
@@ -119,11 +134,10 @@ void addSummaryCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<SummaryOptions>();
   auto* command =
       app.add_subcommand("summary", "Average the readings of a period and compare with the period before");
-  auto* days = command->add_option("--days", options->days, "The last N days (default 7)")
-                   ->check(CLI::Range(1, 100000));
-  auto* from =
-      command->add_option("--from", options->from, "Start day (YYYY-MM-DD) or minute")->excludes(days);
-  command->add_option("--to", options->to, "Last day (included) or minute; default now")->needs(from);
+  auto* days =
+      command->add_option("--days", options->days, "The last N whole days, today included (default 7)")
+          ->check(CLI::Range(1, 100000));
+  addPeriodOptions(*command, options->period, days);
   command->add_flag("--json", options->json, "Write JSON for scripts");
   command->callback([options, &global] { runSummary(*options, global); });
 }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,26 +14,33 @@
 namespace cardiolith::tool {
 namespace {
 
-int openLockFile(const std::filesystem::path& lockFile, FolderLock::Mode mode) {
-  int fd = ::open(lockFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-  if (fd < 0 && mode == FolderLock::Mode::shared) fd = ::open(lockFile.c_str(), O_RDONLY | O_CLOEXEC);
-  return fd;
+bool namesSameFile(const std::filesystem::path& path, int fd) {
+  struct stat named {
+  }, held{};
+  return ::stat(path.c_str(), &named) == 0 && ::fstat(fd, &held) == 0 && named.st_dev == held.st_dev &&
+         named.st_ino == held.st_ino;
 }
 
 }  // namespace
 
-FolderLock::FolderLock(const std::filesystem::path& lockFile, Mode mode) : fd_(openLockFile(lockFile, mode)) {
-  if (fd_ < 0) {
-    if (mode == Mode::shared) return;
-    throw ToolError("can't open the lock file " + lockFile.string() + ": " + std::strerror(errno));
-  }
+FolderLock::FolderLock(const std::filesystem::path& folder, Mode mode) {
   const int operation = mode == Mode::exclusive ? LOCK_EX : LOCK_SH;
-  while (::flock(fd_, operation) != 0) {
-    if (errno == EINTR) continue;
-    const int error = errno;
-    ::close(fd_);
-    fd_ = -1;
-    throw ToolError("can't lock " + lockFile.string() + ": " + std::strerror(error));
+  for (;;) {
+    fd_ = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd_ < 0) {
+      if (mode == Mode::shared) return;
+      throw ToolError("can't open the data folder " + folder.string() +
+                      " to lock it: " + std::strerror(errno));
+    }
+    while (::flock(fd_, operation) != 0) {
+      if (errno == EINTR) continue;
+      const int error = errno;
+      ::close(fd_);
+      fd_ = -1;
+      throw ToolError("can't lock the data folder " + folder.string() + ": " + std::strerror(error));
+    }
+    if (namesSameFile(folder, fd_)) return;
+    ::close(fd_);  // renamed or replaced while we waited: lock what the path names now
   }
 }
 

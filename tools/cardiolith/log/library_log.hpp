@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,8 @@ class LibraryLog {
   static void install();
   // Error messages that begin with `prefix` are not printed.
   static void mute(std::string prefix);
+  // The first error message beginning with `prefix` logged since install(), if any.
+  static std::optional<std::string> firstLogged(std::string_view prefix);
 };
 
 }  // namespace cardiolith::tool

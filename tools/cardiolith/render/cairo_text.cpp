@@ -57,6 +57,17 @@ double drawText(cairo_t* cairo, double x, double y, std::string_view text, const
   return height / scale;
 }
 
+std::vector<std::string> wrappedLines(cairo_t* cairo, std::string_view text, const TextStyle& style) {
+  const Layout layout = layoutOf(cairo, text, style);
+  std::vector<std::string> lines;
+  for (GSList* line = pango_layout_get_lines_readonly(layout.get()); line; line = line->next) {
+    const auto* layoutLine = static_cast<const PangoLayoutLine*>(line->data);
+    lines.emplace_back(text.substr(static_cast<std::size_t>(layoutLine->start_index),
+                                   static_cast<std::size_t>(layoutLine->length)));
+  }
+  return lines;
+}
+
 double textWidth(cairo_t* cairo, std::string_view text, const TextStyle& style) {
   TextStyle oneLine = style;
   oneLine.wrapWidth = 0;

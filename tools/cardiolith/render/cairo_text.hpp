@@ -3,7 +3,9 @@
 #include <cairo.h>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace cardiolith::tool {
 
@@ -27,6 +29,9 @@ struct TextStyle {
 // with the first line's baseline at y and x at the side that `align` names. Returns the height of the
 // text. Surfaces that keep text (PDF, SVG) keep it as text, with the font embedded as a subset.
 double drawText(cairo_t* cairo, double x, double y, std::string_view text, const TextStyle& style);
+// The lines drawText would break the text into at style.wrapWidth (one line when it is 0), so that a caller
+// can place them one by one, e.g. across pages.
+std::vector<std::string> wrappedLines(cairo_t* cairo, std::string_view text, const TextStyle& style);
 // The width that drawText would take for the text on one line.
 double textWidth(cairo_t* cairo, std::string_view text, const TextStyle& style);
 

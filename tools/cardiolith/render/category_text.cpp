@@ -26,7 +26,8 @@ CategoryWords wordsOf(BloodPressureAnalysis category) {
     case BloodPressureAnalysis::unreadable:
       break;
   }
-  return {"Unreadable", "unreadable"};
+  // The library's name says the pair could not be classified; to a person the reading itself is fine.
+  return {"No category (outside the table)", "unreadable"};
 }
 
 constexpr auto unbounded = std::numeric_limits<std::int64_t>::max();
@@ -57,7 +58,29 @@ std::string categoryRule(BloodPressureAnalysis category) {
   for (const auto& row : categoryTable) {
     if (row.category == category) rule += (rule.empty() ? "" : ", or ") + rowText(row);
   }
-  return rule.empty() ? "the pair fits no category" : rule;
+  return rule.empty() ? "no row of the category table holds this pair" : rule;
+}
+
+std::string missedRule(std::int64_t systolic, std::int64_t diastolic) {
+  for (const auto& row : categoryTable) {
+    if (!row.systolic.isBounded() || !row.diastolic.isBounded()) continue;
+    const bool systolicFits = row.systolic.contains(systolic),
+               diastolicFits = row.diastolic.contains(diastolic);
+    if (systolicFits == diastolicFits) continue;
+    const std::string name(categoryName(row.category));
+    const auto side = [](std::string_view pressure, std::int64_t value) {
+      return std::string(pressure) + " " + std::to_string(value);
+    };
+    if (systolicFits) {
+      return side("systolic", systolic) + " is in the " + name + " row (" +
+             boundsText("systolic", row.systolic) + "), but " + side("diastolic", diastolic) + " is not (" +
+             boundsText("diastolic", row.diastolic) + ")";
+    }
+    return side("diastolic", diastolic) + " is in the " + name + " row (" +
+           boundsText("diastolic", row.diastolic) + "), but " + side("systolic", systolic) + " is not (" +
+           boundsText("systolic", row.systolic) + ")";
+  }
+  return categoryRule(BloodPressureAnalysis::unreadable);
 }
 
 std::vector<CategoryBand> categoryBands(Pressure pressure) {

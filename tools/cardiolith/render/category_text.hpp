@@ -9,11 +9,19 @@ namespace cardiolith::tool {
 
 // The category in words for people ("Very high").
 std::string_view categoryName(BloodPressureAnalysis category);
+// The advice for a reading in the hypertensive-crisis range (isHypertensiveCrisis), one line.
+inline constexpr std::string_view kCrisisAdvice =
+    "This is in the hypertensive-crisis range (180 or more systolic, or 120 or more diastolic): measure "
+    "again after a few minutes; if it stays this high, seek medical help.";
 // The category's stable identifier for scripts ("veryHigh").
 std::string_view categoryKey(BloodPressureAnalysis category);
 // The pressures that make the category, in words, from the library's decision table ("systolic 140 or
 // more, or diastolic 90 or more").
 std::string categoryRule(BloodPressureAnalysis category);
+
+// Why a pair fits no row of the table: the first row that takes one of its pressures and not the other
+// ("systolic 85 is in the Low row (systolic 89 or less), but diastolic 70 is not (diastolic 59 or less)").
+std::string missedRule(std::int64_t systolic, std::int64_t diastolic);
 
 // One pressure's stretch of a category on a chart, in mmHg. Bounds lie halfway between whole values, so a
 // reading never sits on a boundary; the outermost bands are open (infinite).

@@ -1,10 +1,12 @@
 #include "render/home_report.hpp"
 
+#include <algorithm>
 #include <cardiolith/platform/date_formatter.hpp>
 #include <chrono>
 #include <cstdio>
 
 #include "render/category_text.hpp"
+#include "render/reading_text.hpp"
 #include "render/time_ticks.hpp"
 
 namespace cardiolith::tool {
@@ -141,6 +143,37 @@ std::string dayText(const CalendarDay& day) {
 std::string clockText(Date date) {
   static const DateFormatter clock("HH:mm");
   return clock.string(date);
+}
+
+std::vector<PersonNote> personNotes(const HomeMonitoringReport& analysis) {
+  std::vector<PersonNote> notes;
+  for (const auto& day : analysis.days) {
+    for (const auto* readings : {&day.morning, &day.evening, &day.other}) {
+      for (const auto& reading : *readings) {
+        if (!reading->notes()) continue;
+        auto text = plainNote(*reading->notes());
+        if (!text.empty())
+          notes.push_back({reading, dayText(day.day) + " " + clockText(reading->date()), std::move(text)});
+      }
+    }
+  }
+  std::stable_sort(notes.begin(), notes.end(), [](const PersonNote& a, const PersonNote& b) {
+    return a.reading->date() < b.reading->date();
+  });
+  return notes;
+}
+
+std::string noteValues(const Reading& reading) {
+  return std::to_string(reading.systolic()) + "/" + std::to_string(reading.diastolic()) + " mmHg, pulse " +
+         std::to_string(reading.pulse());
+}
+
+std::string moreNotesText(const HomeReportDocument& report, std::size_t more) {
+  static const DateFormatter day("yyyy-MM-dd", "en_US_POSIX");
+  // Worded so that the command stays on one line of the text form: it is meant to be copied.
+  return std::to_string(more) + (more == 1 ? " more note is" : " more notes are") +
+         " not shown; cardiolith list --from " + day.string(report.from) + " --to " + day.string(report.to) +
+         " shows them.";
 }
 
 std::vector<std::string> reportNotes(const HomeReportDocument& report) {

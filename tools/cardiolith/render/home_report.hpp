@@ -2,6 +2,7 @@
 
 #include <cardiolith/analysis/home_monitoring.hpp>
 #include <cardiolith/platform/date.hpp>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -49,6 +50,23 @@ struct DayRow {
   bool leftOut = false;
 };
 std::vector<DayRow> dayRows(const HomeMonitoringReport& analysis);
+
+// One of the person's own notes on a reading of the period, its text made plain (see plainNote).
+struct PersonNote {
+  std::shared_ptr<Reading> reading;
+  std::string when;  // local: "Tue 3 Mar 2026 07:02"
+  std::string text;
+};
+// The notes of the period's readings in time order; readings without notes, or with nothing printable in
+// them, give none.
+std::vector<PersonNote> personNotes(const HomeMonitoringReport& analysis);
+// The printed forms show this many notes in full, so that a normal week stays on one or two A4 pages; the
+// JSON holds them all.
+inline constexpr std::size_t shownNotes = 20;
+// "140/90 mmHg, pulse 70".
+std::string noteValues(const Reading& reading);
+// What stands in for the notes beyond shownNotes: how many, and the list command that shows them.
+std::string moreNotesText(const HomeReportDocument& report, std::size_t more);
 
 // The sentences under the figures: how they were computed and, when it was not met, the protocol's
 // warning first.

@@ -31,8 +31,8 @@ void writeReadingsJson(std::ostream& out, const ReadingList& readings, const Tag
   json.endArray().endObject();
 }
 
-void writeSummaryJson(std::ostream& out, const ReadingsSummary& summary, Date start, Date end,
-                      std::size_t readingCount) {
+void writeSummaryJson(std::ostream& out, const ReadingsSummary& summary, const Period& period,
+                      const ComparedCounts& counts) {
   JsonWriter json(out);
   const auto writeAverage = [&](const std::optional<ReadingsSummary::AverageReading>& average) {
     if (!average) {
@@ -46,9 +46,10 @@ void writeSummaryJson(std::ostream& out, const ReadingsSummary& summary, Date st
     json.endObject();
   };
   json.beginObject();
-  json.key("start").string(isoDateFormatter().string(start));
-  json.key("end").string(isoDateFormatter().string(end));
-  json.key("readings").integer(static_cast<std::int64_t>(readingCount));
+  json.key("start").string(isoDateFormatter().string(period.start));
+  json.key("end").string(isoDateFormatter().string(period.end));
+  json.key("readings").integer(static_cast<std::int64_t>(counts.current));
+  json.key("previousReadings").integer(static_cast<std::int64_t>(counts.previous));
   json.key("current");
   writeAverage(summary.currentPeriodAverage());
   json.key("previous");

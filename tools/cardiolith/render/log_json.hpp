@@ -2,10 +2,9 @@
 
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <cardiolith/model/collection.hpp>
-#include <cardiolith/platform/date.hpp>
-#include <cstddef>
 #include <ostream>
 
+#include "input/period_options.hpp"
 #include "log/tag_list.hpp"
 
 namespace cardiolith::tool {
@@ -17,9 +16,10 @@ namespace cardiolith::tool {
 // order given; dates are ISO 8601 and `category` is the category key.
 void writeReadingsJson(std::ostream& out, const ReadingList& readings, const TagList& tags);
 
-// {"start","end","readings":count,"current","previous","change","category"} of a period's summary; the
-// averages are objects of systolic, diastolic and pulse, or null for a period without readings.
-void writeSummaryJson(std::ostream& out, const ReadingsSummary& summary, Date start, Date end,
-                      std::size_t readingCount);
+// {"start","end","readings","previousReadings","current","previous","change","category"} of a period's
+// summary, with the reading counts of the period and of the one before; the averages are objects of
+// systolic, diastolic and pulse, or null for a period without readings.
+void writeSummaryJson(std::ostream& out, const ReadingsSummary& summary, const Period& period,
+                      const ComparedCounts& counts);
 
 }  // namespace cardiolith::tool

@@ -3,6 +3,7 @@
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <cardiolith/platform/date_formatter.hpp>
+#include <cctype>
 #include <cstdio>
 #include <string>
 
@@ -39,9 +40,13 @@ double mean(const ReadingList& readings, std::int64_t (Reading::*field)() const)
 
 }  // namespace
 
-ChartRequest periodChart(const ReadingList& selection, Date start, Date end, std::int64_t days) {
+ChartRequest periodChart(const ReadingList& selection, const Period& period, std::int64_t days) {
+  const Date start = period.start, end = period.end;
   ChartRequest request;
-  request.title = "Blood pressure, last " + std::to_string(days) + (days == 1 ? " day" : " days");
+  // "last 30 days", or the dates that --from and --to named ("mon", "yesterday") as they resolved.
+  std::string name = period.name.starts_with("Last") ? period.name : period.bounds();
+  name[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[0])));
+  request.title = "Blood pressure, " + name;
   request.subtitle = subtitle(selection, start, end);
   request.start = start;
   request.end = end;

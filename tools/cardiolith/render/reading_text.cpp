@@ -1,7 +1,9 @@
 #include "render/reading_text.hpp"
 
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
+#include <cardiolith/platform/text.hpp>
 
+#include "input/reading_id_input.hpp"
 #include "render/category_text.hpp"
 
 namespace cardiolith::tool {
@@ -17,13 +19,33 @@ const DateFormatter& isoDateFormatter() {
   return formatter;
 }
 
-std::string singleLine(std::string_view text) {
-  std::string line;
+std::string singleLine(std::string_view text) { return text::printable(text); }
+
+std::string plainNote(std::string_view text) {
+  std::string note;
+  const auto space = [&] {
+    if (!note.empty() && note.back() != ' ') note += ' ';
+  };
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;  // CRLF is one break
-    line += text[i] == '\n' || text[i] == '\r' ? ' ' : text[i];
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = [&](std::size_t ahead) {
+      return i + ahead < text.size() ? static_cast<unsigned char>(text[i + ahead]) : 0U;
+    };
+    if (byte == '\n' || byte == '\r' || byte == '\t' || byte == ' ') {
+      space();
+    } else if (byte < 0x20 || byte == 0x7f) {
+      continue;
+    } else if (byte == 0xc2 && next(1) >= 0x80 && next(1) <= 0x9f) {
+      ++i;  // a C1 control, two bytes in UTF-8
+    } else if (byte == 0xe2 && next(1) == 0x80 && (next(2) == 0xa8 || next(2) == 0xa9)) {
+      space();  // the line and paragraph separators
+      i += 2;
+    } else {
+      note += text[i];
+    }
   }
-  return line;
+  if (!note.empty() && note.back() == ' ') note.pop_back();
+  return note;
 }
 
 std::string joined(const std::vector<std::string>& items, std::string_view separator) {
@@ -39,6 +61,11 @@ std::string describeValues(const Reading& reading) {
   return std::to_string(reading.systolic()) + "/" + std::to_string(reading.diastolic()) + " mmHg, pulse " +
          std::to_string(reading.pulse()) + ": " +
          std::string(categoryName(BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic())));
+}
+
+std::string describeWithId(const ReadingList& readings, const Reading& reading) {
+  return shortIdIn(readings, reading) + "  " + displayDateFormatter().string(reading.date()) + "  " +
+         describeValues(reading);
 }
 
 }  // namespace cardiolith::tool

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <regex>
 #include <sstream>
 
@@ -65,6 +66,9 @@ svg { width: 100%; height: auto; display: block; }
 section.days { break-inside: avoid; }
 h2 { break-after: avoid; }
 tr { break-inside: avoid; }
+td.when, td.values { white-space: nowrap; }
+/* A note is the person's own text: a long link or a row of letters wraps anywhere instead of widening the page. */
+td.note { overflow-wrap: anywhere; width: 100%; }
 .notes { font-size: 8.5pt; color: #374151; padding-left: 14pt; }
 )";
 
@@ -80,7 +84,8 @@ void figuresTable(std::ostream& out, const HomeMonitoringReport& analysis) {
 }
 
 void daysTable(std::ostream& out, const HomeMonitoringReport& analysis) {
-  out << "<section class=\"days\">\n<h2>Day by day (mmHg)</h2>\n<table><tr><th>Day</th><th>Morning</th><th>Evening</th>"
+  out << "<section class=\"days\">\n<h2>Day by day "
+         "(mmHg)</h2>\n<table><tr><th>Day</th><th>Morning</th><th>Evening</th>"
          "<th>Other times</th></tr>\n";
   for (const auto& row : dayRows(analysis)) {
     out << (row.leftOut ? "<tr class=\"left-out\">" : "<tr>") << "<td>" << escaped(row.day)
@@ -88,6 +93,22 @@ void daysTable(std::ostream& out, const HomeMonitoringReport& analysis) {
         << escaped(row.evening) << "</td><td>" << escaped(row.other) << "</td></tr>\n";
   }
   out << "</table>\n</section>\n";
+}
+
+// The person's notes as text, at most shownNotes of them; nothing when there are none.
+void personNotesTable(std::ostream& out, const HomeReportDocument& report) {
+  const auto notes = personNotes(report.analysis);
+  if (notes.empty()) return;
+  out << "<h2>Your notes</h2>\n<table class=\"person-notes\"><tr><th>When</th><th>Reading</th><th>Note</th>"
+         "</tr>\n";
+  const auto shown = std::min(notes.size(), shownNotes);
+  for (std::size_t i = 0; i < shown; ++i) {
+    out << "<tr><td class=\"when\">" << escaped(notes[i].when) << "</td><td class=\"values\">"
+        << escaped(noteValues(*notes[i].reading)) << "</td><td class=\"note\">" << escaped(notes[i].text)
+        << "</td></tr>\n";
+  }
+  out << "</table>\n";
+  if (notes.size() > shown) out << "<p>" << escaped(moreNotesText(report, notes.size() - shown)) << "</p>\n";
 }
 
 }  // namespace
@@ -119,7 +140,8 @@ std::string reportHtml(const HomeReportDocument& report) {
   if (analysis.all) figuresTable(out, analysis);
   if (!analysis.days.empty()) out << "<figure>" << inlineChart(report) << "</figure>\n";
   daysTable(out, analysis);
-  out << "<h2>Notes</h2>\n<ul class=\"notes\">\n";
+  personNotesTable(out, report);
+  out << "<h2>About the figures</h2>\n<ul class=\"notes\">\n";
   for (; note != notes.end(); ++note) out << "<li>" << escaped(*note) << "</li>\n";
   out << "</ul>\n</body>\n</html>\n";
   return out.str();

@@ -78,6 +78,23 @@ std::string isoDay(const CalendarDay& day) {
   return text;
 }
 
+// Every note of the period, none left out: scripts have no pages to fill. Dates in UTC, so that they sort
+// and compare as text.
+void writePersonNotes(JsonWriter& json, const HomeMonitoringReport& analysis) {
+  static const DateFormatter utc("yyyy-MM-dd'T'HH:mm:ssXXX", "en_US_POSIX", "UTC");
+  json.beginArray();
+  for (const auto& note : personNotes(analysis)) {
+    json.beginObject();
+    json.key("date").string(utc.string(note.reading->date()));
+    json.key("systolic").integer(note.reading->systolic());
+    json.key("diastolic").integer(note.reading->diastolic());
+    json.key("pulse").integer(note.reading->pulse());
+    json.key("notes").string(note.text);
+    json.endObject();
+  }
+  json.endArray();
+}
+
 }  // namespace
 
 void printReportJson(std::ostream& out, const HomeReportDocument& report) {
@@ -127,6 +144,8 @@ void printReportJson(std::ostream& out, const HomeReportDocument& report) {
     json.endObject();
   }
   json.endArray();
+  json.key("notes");
+  writePersonNotes(json, analysis);
   json.endObject();
   out << '\n';
 }

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "render/cairo_output.hpp"
 #include "render/cairo_text.hpp"
@@ -28,12 +30,25 @@ class Pages {
     cairo_show_page(cairo_);
     y_ = margin;
   }
-  // A paragraph, wrapped to the content's width; `gap` below it.
-  void paragraph(std::string_view text, TextStyle style, double gap = 4) {
+  // A paragraph, wrapped to the content's width and placed line by line, so that a long one goes on on the
+  // next page instead of running off this one; the lines after the first indented by `hang`, `gap` below.
+  void paragraph(std::string_view text, TextStyle style, double gap = 4, double hang = 0) {
     style.wrapWidth = contentWidth;
+    auto lines = wrappedLines(cairo_, text, style);
+    if (hang > 0 && lines.size() > 1) {
+      // The first line keeps the full width; the rest is wrapped again to the narrower column under it.
+      style.wrapWidth = contentWidth - hang;
+      auto rest = wrappedLines(cairo_, text.substr(lines.front().size()), style);
+      lines.resize(1);
+      lines.insert(lines.end(), std::make_move_iterator(rest.begin()), std::make_move_iterator(rest.end()));
+    }
+    style.wrapWidth = 0;  // the lines are broken already
     const double lineHeight = style.size * 1.25;
-    need(lineHeight);
-    y_ += drawText(cairo_, margin, y_ + style.size, text, style) + gap;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      need(lineHeight);
+      y_ += drawText(cairo_, margin + (i > 0 ? hang : 0), y_ + style.size, lines[i], style);
+    }
+    y_ += gap;
   }
   // A table row: cells at the given left edges (right-aligned cells at their right edges), then a rule.
   template <std::size_t size>
@@ -97,6 +112,22 @@ void days(Pages& pages, const HomeMonitoringReport& analysis) {
   }
 }
 
+// The person's notes, at most shownNotes of them, each after its reading's time and values.
+void notesOfThePerson(Pages& pages, const HomeReportDocument& report) {
+  const auto notes = personNotes(report.analysis);
+  if (notes.empty()) return;
+  pages.need(60);  // the heading with the first notes
+  pages.paragraph("Your notes", {11, true, ink}, 4);
+  const auto shown = std::min(notes.size(), shownNotes);
+  for (std::size_t i = 0; i < shown; ++i) {
+    pages.paragraph(notes[i].when + " \u00b7 " + noteValues(*notes[i].reading) + ": " + notes[i].text,
+                    {9, false, ink}, 3, 12);
+  }
+  if (notes.size() > shown)
+    pages.paragraph(moreNotesText(report, notes.size() - shown), {9, false, quiet}, 3);
+  pages.space(6);
+}
+
 }  // namespace
 
 std::string reportPdf(const HomeReportDocument& report) {
@@ -130,7 +161,8 @@ std::string reportPdf(const HomeReportDocument& report) {
     if (!analysis.days.empty()) pages.chart(reportChart(report, reportChartWidth));
     days(pages, analysis);
     pages.space(8);
-    pages.paragraph("Notes", {11, true, ink}, 4);
+    notesOfThePerson(pages, report);
+    pages.paragraph("About the figures", {11, true, ink}, 4);
     for (; note != notes.end(); ++note) pages.paragraph(*note, {8.5, false, quiet}, 3);
   });
 }

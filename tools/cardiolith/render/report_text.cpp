@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <sstream>
+#include <string_view>
 
 #include "render/category_text.hpp"
 #include "render/home_report.hpp"
@@ -9,20 +11,55 @@ namespace {
 
 constexpr std::size_t lineWidth = 80;
 
-// Words filled into lines of at most 80 columns, the lines after the first indented.
+// The bytes of the first `columns` characters of UTF-8 text.
+std::size_t bytesOfColumns(std::string_view text, std::size_t columns) {
+  std::size_t i = 0;
+  for (; i < text.size(); ++i) {
+    if ((static_cast<unsigned char>(text[i]) & 0xc0) == 0x80) continue;
+    if (columns == 0) break;
+    --columns;
+  }
+  return i;
+}
+
+// Words filled into lines of at most 80 columns, the lines after the first indented. A word longer than a
+// line (a link, a row of letters in a note) is cut across lines rather than run over the edge.
 void printWrapped(std::ostream& out, const std::string& text, std::size_t indent) {
   std::istringstream words(text);
   std::string word, line;
+  const auto hasText = [&] { return line.find_first_not_of(' ') != std::string::npos; };
+  const auto endLine = [&] {
+    out << line << '\n';
+    line = std::string(indent, ' ');
+  };
   while (words >> word) {
-    if (!line.empty() && displayWidth(line) + 1 + displayWidth(word) > lineWidth) {
-      out << line << '\n';
-      line = std::string(indent, ' ');
-    } else if (!line.empty() && line.find_first_not_of(' ') != std::string::npos) {
+    std::string_view rest = word;
+    if (hasText() && displayWidth(line) + 1 + displayWidth(rest) > lineWidth) {
+      endLine();
+    } else if (hasText()) {
       line += ' ';
     }
-    line += word;
+    while (displayWidth(line) + displayWidth(rest) > lineWidth) {
+      const auto fits = bytesOfColumns(rest, lineWidth - displayWidth(line));
+      line += rest.substr(0, fits);
+      rest.remove_prefix(fits);
+      endLine();
+    }
+    line += rest;
   }
-  if (!line.empty()) out << line << '\n';
+  if (hasText()) out << line << '\n';
+}
+
+// The person's notes, at most shownNotes of them, each after its reading's time and values.
+void printPersonNotes(std::ostream& out, const HomeReportDocument& report) {
+  const auto notes = personNotes(report.analysis);
+  if (notes.empty()) return;
+  out << "Your notes\n";
+  const auto shown = std::min(notes.size(), shownNotes);
+  for (std::size_t i = 0; i < shown; ++i)
+    printWrapped(out, notes[i].when + ", " + noteValues(*notes[i].reading) + ": " + notes[i].text, 4);
+  if (notes.size() > shown) printWrapped(out, moreNotesText(report, notes.size() - shown), 0);
+  out << '\n';
 }
 
 }  // namespace
@@ -79,6 +116,7 @@ void printReportText(std::ostream& out, const HomeReportDocument& report) {
     printWrapped(out, line, 4);
   }
   out << '\n';
+  printPersonNotes(out, report);
   for (; note != notes.end(); ++note) printWrapped(out, *note, 0);
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -18,11 +20,19 @@ class TextTable {
     Align align = Align::left;
   };
 
+  struct PrintOptions {
+    // The widest a line may be: the last column's cells are shortened, ending in "…", to fit (never
+    // below its heading's width). Absent: no limit.
+    std::optional<std::size_t> width;
+    // Gives a row's padded cell its final form (a colour, say), by row and column index; none: as is.
+    std::function<std::string(std::size_t row, std::size_t column, const std::string& padded)> decorate;
+  };
+
   explicit TextTable(std::vector<Column> columns);
 
   // One cell per column; missing cells are empty.
   void addRow(std::vector<std::string> cells);
-  void print(std::ostream& out) const;
+  void print(std::ostream& out, const PrintOptions& options = {}) const;
 
  private:
   std::vector<Column> columns_;
@@ -31,5 +41,7 @@ class TextTable {
 
 // The number of characters (code points) of UTF-8 text.
 std::size_t displayWidth(std::string_view text);
+// The text cut to at most `width` characters, its last one "…" when it was cut.
+std::string shortened(std::string_view text, std::size_t width);
 
 }  // namespace cardiolith::tool

@@ -41,6 +41,7 @@ NewReading parseNewReading(std::string_view body) {
   check(document.get_object().get(object), "body", "a JSON object");
 
   NewReading reading;
+  std::string at;
   bool hasSystolic = false, hasDiastolic = false, hasPulse = false;
   for (const auto [key, value] : object) {
     if (key == "systolic") {
@@ -53,8 +54,7 @@ NewReading parseNewReading(std::string_view body) {
       reading.pulse = integerOf(value, key);
       hasPulse = true;
     } else if (key == "at") {
-      const std::string at = textOf(value, key);
-      if (!at.empty()) reading.date = parseDateTime(at, "Date and time");
+      at = textOf(value, key);
     } else if (key == "note") {
       std::string note = textOf(value, key);
       if (!note.empty()) reading.note = std::move(note);
@@ -74,6 +74,8 @@ NewReading parseNewReading(std::string_view body) {
         "systolic, diastolic and pulse are all needed, as whole numbers in mmHg and beats "
         "per minute");
   }
+  // Read once the whole body is: "force" may come after "at" and lets a future date through.
+  if (!at.empty()) reading.date = DateReader::current().readingTime(at, "Date and time", reading.force);
   return reading;
 }
 

@@ -18,7 +18,8 @@ struct MalformedRequest : std::invalid_argument {
 //    "tags": ["Morning"], "force": false}
 // systolic, diastolic and pulse are required integers; "at" (local time, as `add --at` reads it) is
 // optional and defaults to now; unknown members are refused so that a typo is not silently dropped.
-// MalformedRequest for JSON that is not such an object; ToolError for a date the clock doesn't have.
+// MalformedRequest for JSON that is not such an object; ToolError for a date the clock doesn't have, one
+// without a time of day, or one in the future or before 1900 without "force".
 [[nodiscard]] NewReading parseNewReading(std::string_view body);
 
 }  // namespace cardiolith::tool::serve

@@ -4,12 +4,13 @@
 #include <cardiolith/analysis/home_monitoring.hpp>
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <charconv>
-#include <limits>
+#include <cmath>
 #include <optional>
 #include <sstream>
 
 #include "commands/add_reading.hpp"
 #include "input/date_input.hpp"
+#include "input/period_options.hpp"
 #include "log/tag_list.hpp"
 #include "render/cairo_output.hpp"
 #include "render/home_report.hpp"
@@ -58,23 +59,22 @@ std::optional<std::string> parameter(const httplib::Request& request, const char
   return request.get_param_value(name);
 }
 
-// The period of a query: from/to as `list --from/--to` read them, or last=7d; no parameters: everything.
-std::pair<Date, Date> periodOf(const httplib::Request& request) {
-  Date from{-std::numeric_limits<double>::infinity()};
-  Date to{std::numeric_limits<double>::infinity()};
-  if (const auto last = parameter(request, "last"))
-    from = Date::now().addingDays(-parseSpanDays(*last, "last"));
-  if (const auto start = parameter(request, "from")) from = parseDateTime(*start, "from");
-  if (const auto end = parameter(request, "to")) to = parseRangeEnd(*end, "to");
-  requireOrdered(from, to);
-  return {from, to};
+// The period options of a query: from, to and last as `list --from/--to/--last` read them.
+PeriodOptions periodOptionsOf(const httplib::Request& request) {
+  PeriodOptions options;
+  options.from = parameter(request, "from");
+  options.to = parameter(request, "to");
+  options.last = parameter(request, "last");
+  return options;
 }
 
+// The period of a query as `list` chooses it; no parameters: everything.
 void listReadings(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
-  const auto [from, to] = periodOf(request);
+  const PeriodOptions options = periodOptionsOf(request);
+  const Period period = choosePeriod(options, DateReader::current(), std::nullopt);
   const TagList tags(context.folder);
   ReadingsLog log(context.folder, ReadingsLog::Access::read);
-  auto selection = filtered(log.readings(), from, to);
+  auto selection = selectReadings(log.readings(), period, options, tags);
   std::stable_sort(selection.begin(), selection.end(),
                    [](const auto& a, const auto& b) { return a->date() > b->date(); });
   std::ostringstream out;
@@ -82,20 +82,23 @@ void listReadings(const ServeContext& context, const httplib::Request& request, 
   response.set_content(out.str(), jsonType);
 }
 
-// The summary of the last `days` days (default 7), or of from/to, against the period before.
+// The summary of the last `days` whole days (default 7), or of from/to (to defaults to now), against the
+// period before, as `summary --json` writes it.
 void summarise(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
-  const Date now = Date::now();
-  Date start = now.addingDays(-parseSpanDays(parameter(request, "days").value_or("7"), "days"));
-  Date end = now;
-  if (const auto from = parameter(request, "from")) {
-    start = parseDateTime(*from, "from");
-    if (const auto to = parameter(request, "to")) end = parseRangeEnd(*to, "to");
-    requireOrdered(start, end);
+  const auto dates = DateReader::current();
+  PeriodOptions choice;
+  choice.from = parameter(request, "from");
+  if (choice.from) {
+    choice.to = parameter(request, "to");
+  } else {
+    choice.last = parameter(request, "days").value_or("7");
   }
+  Period period = choosePeriod(choice, dates, std::nullopt);
+  if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) period.end = dates.now();
   ReadingsLog log(context.folder, ReadingsLog::Access::read);
-  const auto summary = ReadingsSummarizer::summarise(log.readings(), start, end);
+  const auto summary = ReadingsSummarizer::summarise(log.readings(), period.start, period.summaryEnd());
   std::ostringstream out;
-  writeSummaryJson(out, summary, start, end, filtered(log.readings(), start, end).size());
+  writeSummaryJson(out, summary, period, countComparedReadings(log.readings(), period, dates.calendar()));
   response.set_content(out.str(), jsonType);
 }
 
@@ -121,13 +124,15 @@ void addFromBody(const ServeContext& context, const httplib::Request& request, h
 // The chart of the last ?days= days (default 30), ?width= pixels wide, as SVG, as `chart` draws it; 404 when
 // the period has no readings, which the page takes as "no chart".
 void chartPicture(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
-  const std::int64_t days = parseSpanDays(parameter(request, "days").value_or("30"), "days");
-  const Date end = Date::now();
-  const Date start = end.addingDays(-days);
+  const auto dates = DateReader::current();
+  PeriodOptions choice;
+  choice.last = parameter(request, "days").value_or("30");
+  Period period = choosePeriod(choice, dates, std::nullopt);
   ReadingsLog log(context.folder, ReadingsLog::Access::read);
-  const auto selection = filtered(log.readings(), start, end);
+  const auto selection = filtered(log.readings(), period.start, period.end);
   if (selection.empty()) return answerError(response, 404, "no readings to chart in that period");
-  ChartRequest chart = periodChart(selection, start, end, days);
+  const auto days = dates.calendar().wholeDays(period.start, period.summaryEnd()).value_or(1);
+  ChartRequest chart = periodChart(selection, period, days);
   // As wide as the page shows it, so its text stays readable on a phone; out-of-range widths are clamped.
   if (const auto width = parameter(request, "width")) {
     double pixels = 0;
@@ -144,7 +149,7 @@ void chartPicture(const ServeContext& context, const httplib::Request& request, 
 void printableReport(const ServeContext& context, const httplib::Request& request,
                      httplib::Response& response) {
   const auto [from, to] = reportDays(parameter(request, "from"), parameter(request, "to"),
-                                     parameter(request, "last").value_or("7d"));
+                                     parameter(request, "last").value_or("7d"), DateReader::current());
   ReadingsLog log(context.folder, ReadingsLog::Access::read);
   const HomeReportDocument report{HomeMonitoringAnalyzer::analyse(log.readings(), from, to, {}), from, to,
                                   std::nullopt};

@@ -1,0 +1,48 @@
+// text::printable and text::isBlank on any bytes (notes and tag titles come from files and command lines):
+// the result is valid UTF-8 without a control character or a direction override, printing it again
+// changes nothing, and a blank text stays blank.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "cardiolith/platform/text.hpp"
+
+namespace {
+
+void require(bool holds, const char* property) {
+  if (holds) return;
+  std::fprintf(stderr, "property failed: %s\n", property);
+  std::abort();
+}
+
+// No C0 control, DEL, C1 control (U+0080-U+009F, encoded C2 80-C2 9F) or bidirectional control
+// (U+202A-U+202E: E2 80 AA-AE; U+2066-U+2069: E2 81 A6-A9).
+bool holdsNoControls(std::string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+    const auto third = i + 2 < text.size() ? static_cast<unsigned char>(text[i + 2]) : 0;
+    if (byte < 0x20 || byte == 0x7f) return false;
+    if (byte == 0xc2 && next >= 0x80 && next <= 0x9f) return false;
+    if (byte == 0xe2 && next == 0x80 && third >= 0xaa && third <= 0xae) return false;
+    if (byte == 0xe2 && next == 0x81 && third >= 0xa6 && third <= 0xa9) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view input(reinterpret_cast<const char*>(data), size);
+  const std::string shown = cardiolith::text::printable(input);
+  require(cardiolith::text::isValidUTF8(shown), "printable text is valid UTF-8");
+  require(holdsNoControls(shown), "printable text holds no control character or override");
+  require(cardiolith::text::printable(shown) == shown, "printable text prints as itself");
+  if (cardiolith::text::isValidUTF8(input) && cardiolith::text::isBlank(input))
+    require(cardiolith::text::isBlank(shown), "a blank text stays blank when printed");
+  return 0;
+}

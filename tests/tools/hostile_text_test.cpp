@@ -1,0 +1,85 @@
+// Text from the log reaches the terminal without anything that could drive it, titles that would not
+// show as typed are refused, and a reading in the crisis range gets its advice.
+
+#include "tool_test.hpp"
+
+namespace cardiolith::tool::testing {
+namespace {
+
+using ::testing::Not;
+using HostileTextTest = ToolTest;
+
+// Terminal escapes (CSI as ESC [ and as the C1 byte), an OSC title change, a bell and a right-to-left
+// override, each in a note and a tag title; none reaches the output of list or tags.
+TEST_F(HostileTextTest, ControlCharactersAndOverridesNeverReachTheOutput) {
+  const std::vector<std::string> hostile{"\x1b[2J\x1b[31mred",
+                                         "\xc2\x9b"
+                                         "31mred",
+                                         "\x1b]0;title\x07",
+                                         "abc\xe2\x80\xae"
+                                         "cba",
+                                         "\xe2\x81\xa6"
+                                         "isolated"};
+  std::string tags = "[";
+  for (std::size_t i = 0; i < hostile.size(); ++i) {
+    const std::string id = "00000000-0000-4000-8000-00000000000" + std::to_string(i);
+    tags += (i ? "," : "") + nlohmann::json{{"id", id}, {"title", hostile[i]}, {"colorHex", "ff0000"}}.dump();
+  }
+  writeFile(tagsFile_, tags + "]");
+  for (const auto& text : hostile) succeed({"add", "120/80/60", "--force", "--note", text});
+
+  for (const Arguments& command : {Arguments{"list"}, Arguments{"tags"}}) {
+    const std::string out = succeed(command);
+    for (const std::string forbidden : {"\x1b", "\x07", "\xc2\x9b", "\xe2\x80\xae", "\xe2\x81\xa6"})
+      EXPECT_THAT(out, Not(HasSubstr(forbidden))) << command.front();
+    EXPECT_THAT(out, HasSubstr("[31mred")) << command.front();  // shown, but inert
+  }
+  // Scripts get the text exactly, escaped as JSON.
+  EXPECT_EQ(listed().back()["notes"], hostile.front());
+}
+
+TEST_F(HostileTextTest, TagTitlesThatWouldNotShowAsTypedAreRefused) {
+  const std::vector<std::pair<std::string, std::string>> titles{
+      {"two\nlines", "can't hold line breaks"},
+      {"\x1b[31mred", "control characters"},
+      {"a\xe2\x80\xae"
+       "b",
+       "direction overrides"},
+      {"\xc2\xa0\xe2\x80\x8b", "not only spaces"},  // no-break space, zero-width space
+      {std::string(101, 'x'), "has 101 characters; at most 100"},
+  };
+  succeed({"tags", "add", "Clinic"});
+  for (const auto& [title, reason] : titles) {
+    for (const Arguments& command :
+         {Arguments{"tags", "add", title}, Arguments{"tags", "rename", "Clinic", title}}) {
+      const auto result = run(command);
+      EXPECT_EQ(result.exitCode, 1) << command[1] << " " << reason;
+      EXPECT_THAT(result.err, HasSubstr(reason)) << command[1];
+    }
+  }
+  succeed({"tags", "add", std::string(100, 'x')});
+}
+
+TEST_F(HostileTextTest, AnUnknownTagListsAtMostTwentyOthers) {
+  for (int i = 0; i < 15; ++i) succeed({"tags", "add", "Tag " + std::to_string(100 + i)});
+  const auto result = run({"add", "120/80/60", "--tag", "Nope"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.err, HasSubstr("and 5 more (cardiolith tags lists them all)"));  // 10 defaults + 15
+}
+
+TEST_F(HostileTextTest, ACrisisReadingGetsAdviceWhenAddedOrClassified) {
+  const std::string advice = "measure again after a few minutes; if it stays this high, seek medical help";
+  const std::vector<std::pair<std::string, bool>> readings{
+      {"179/119/70", false}, {"180/80/70", true}, {"150/120/70", true}, {"220/130", true}};
+  for (const auto& [reading, crisis] : readings) {
+    const auto classified = succeed({"classify", reading});
+    EXPECT_EQ(classified.find(advice) != std::string::npos, crisis) << reading;
+    if (reading.size() > 7) {
+      EXPECT_EQ(succeed({"add", reading}).find(advice) != std::string::npos, crisis) << reading;
+    }
+  }
+  EXPECT_THAT(succeed({"classify", "120/80/71"}), ::testing::StartsWith("120/80 mmHg, pulse 71: Normal"));
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::testing

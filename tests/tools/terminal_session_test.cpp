@@ -1,0 +1,91 @@
+// The tool on a real terminal (a pseudo-terminal of a given width) against the same tool piped: colour
+// and shortened lines only on the terminal, and never colour under NO_COLOR or --color never.
+
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "tool_test.hpp"
+
+namespace cardiolith::tool::testing {
+namespace {
+
+using ::testing::Not;
+
+// Characters of UTF-8 text: every byte but continuation bytes.
+std::size_t displayedLength(const std::string& text) {
+  std::size_t count = 0;
+  for (const char byte : text) count += (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+  return count;
+}
+
+class TerminalSessionTest : public ToolTest {
+ protected:
+  TerminalSessionTest() {
+    succeed({"add", "185/95/80", "--note", std::string(120, 'n')});
+    succeed({"add", "118/76/60", "--note", "short"});
+  }
+
+  // Runs the tool on a pseudo-terminal `columns` wide and returns what it showed.
+  std::string onTerminal(const Arguments& arguments, unsigned short columns = 80) {
+    std::vector<std::string> argv{CARDIOLITH_TOOL_PATH, "--data-dir", data_.string()}, envp;
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    for (const auto& [name, value] : environment_) envp.push_back(name + "=" + value);
+    std::vector<char*> args, env;
+    for (auto& text : argv) args.push_back(text.data());
+    for (auto& text : envp) env.push_back(text.data());
+    args.push_back(nullptr);
+    env.push_back(nullptr);
+    struct winsize size {};
+    size.ws_row = 40;
+    size.ws_col = columns;
+    int terminal = -1;
+    const pid_t pid = ::forkpty(&terminal, nullptr, nullptr, &size);
+    if (pid == 0) {
+      ::execve(args[0], args.data(), env.data());
+      ::_exit(127);
+    }
+    EXPECT_GT(pid, 0);
+    std::string shown;
+    char buffer[4096];
+    for (;;) {
+      const ssize_t got = ::read(terminal, buffer, sizeof buffer);
+      if (got > 0) {
+        shown.append(buffer, static_cast<std::size_t>(got));
+      } else if (got < 0 && errno == EINTR) {
+        continue;
+      } else {
+        break;  // EIO once the tool has exited and closed its side
+      }
+    }
+    ::close(terminal);
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << shown;
+    return shown;
+  }
+};
+
+TEST_F(TerminalSessionTest, ColourOnlyOnATerminalThatWantsIt) {
+  const std::string red = "\x1b[1;31mVery high";
+  EXPECT_THAT(onTerminal({"list"}), HasSubstr(red));
+  EXPECT_THAT(onTerminal({"--color", "never", "list"}), Not(HasSubstr("\x1b[")));
+  EXPECT_THAT(succeed({"list"}), Not(HasSubstr("\x1b[")));  // piped
+  EXPECT_THAT(succeed({"--color", "always", "list"}), HasSubstr(red));
+  environment_["NO_COLOR"] = "1";
+  EXPECT_THAT(onTerminal({"list"}), Not(HasSubstr("\x1b[")));
+}
+
+TEST_F(TerminalSessionTest, ListFitsTheTerminalUnlessWide) {
+  for (const auto& line : lines(onTerminal({"--color", "never", "list"}, 70))) {
+    EXPECT_LE(displayedLength(line.substr(0, line.find('\r'))), 70u) << line;
+  }
+  EXPECT_THAT(onTerminal({"--color", "never", "list"}, 70), HasSubstr("nnn\u2026"));
+  EXPECT_THAT(onTerminal({"--color", "never", "list", "--wide"}, 70), HasSubstr(std::string(120, 'n')));
+  EXPECT_THAT(succeed({"list"}), HasSubstr(std::string(120, 'n')));  // piped: whole
+}
+
+}  // namespace
+}  // namespace cardiolith::tool::testing

@@ -120,7 +120,9 @@ void addReportCommand(CLI::App& app, const GlobalOptions& global) {
       "left out, day by day");
   auto* from = command->add_option("--from", options->from, "First day (YYYY-MM-DD)");
   command->add_option("--to", options->to, "Last day (included); default today")->needs(from);
-  command->add_option("--last", options->last, "The last N whole days, today included: \"7d\" (the default) or \"2w\"")
+  command
+      ->add_option("--last", options->last,
+                   "The last N whole days, today included: \"7d\" (the default) or \"2w\"")
       ->excludes(from);
   command->add_option("--format", options->format, "text (the default), html or pdf")
       ->check(CLI::IsMember({"text", "html", "pdf"}));

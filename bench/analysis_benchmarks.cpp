@@ -41,7 +41,8 @@ void summarise(benchmark::State& state, Period period) {
   for (auto _ : state) {
     benchmark::DoNotOptimize(ReadingsSummarizer::summarise(readings, period.start, period.end));
   }
-  const double perCall = static_cast<double>(allocations.sinceStart()) / static_cast<double>(state.iterations());
+  const double perCall =
+      static_cast<double>(allocations.sinceStart()) / static_cast<double>(state.iterations());
   state.counters["allocs_per_call"] = perCall;
   reportThroughput(state, size);
 }

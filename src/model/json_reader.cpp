@@ -28,7 +28,8 @@ std::string_view describe(ondemand::json_type type) {
 
 }  // namespace
 
-static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING, "the in-place promise must cover simdjson's padding");
+static_assert(kReadPadding >= simdjson::SIMDJSON_PADDING,
+              "the in-place promise must cover simdjson's padding");
 
 JsonReader::JsonReader(std::string_view text, std::size_t readablePadding)
     : JsonReader(ownParser_, text, readablePadding) {}
@@ -220,9 +221,7 @@ void JsonReader::failSyntax(simdjson::error_code error) {
   failAt(currentOffset(), simdjson::error_message(error));
 }
 
-void JsonReader::failAt(const char* where, std::string_view reason) const {
-  failAt(offsetOf(where), reason);
-}
+void JsonReader::failAt(const char* where, std::string_view reason) const { failAt(offsetOf(where), reason); }
 
 void JsonReader::failAt(std::size_t offset, std::string_view reason) const {
   throw DecodingError("invalid JSON at byte " + std::to_string(offset) + ": " + std::string(reason));

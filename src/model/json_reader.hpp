@@ -11,8 +11,8 @@
 
 #include "cardiolith/platform/uuid.hpp"
 #include "model/json_path.hpp"
-#include "model/readings_decoding.hpp"
 #include "model/json_tokens.hpp"
+#include "model/readings_decoding.hpp"
 
 namespace cardiolith::json_detail {
 

@@ -24,7 +24,8 @@ namespace {
 
 std::shared_ptr<const Calendar::Impl> makeImpl(std::unique_ptr<icu::TimeZone> zone) {
   UErrorCode status = U_ZERO_ERROR;
-  std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(zone.release(), icu::Locale::getDefault(), status));
+  std::unique_ptr<icu::Calendar> calendar(
+      icu::Calendar::createInstance(zone.release(), icu::Locale::getDefault(), status));
   if (U_FAILURE(status) || !calendar) return nullptr;
   // Strict: an instant outside the calendar's range is an error, not silently pinned to the range's end.
   calendar->setLenient(false);
@@ -70,7 +71,8 @@ std::optional<Date> Calendar::dateByAddingDays(std::int64_t days, Date date) con
 std::optional<std::int64_t> Calendar::wholeDays(Date from, Date to) const {
   if (!impl_) return std::nullopt;
   const UDate start = toMillis(from);
-  const UDate end = start + (to.timeIntervalSinceReferenceDate() - from.timeIntervalSinceReferenceDate()) * 1000.0;
+  const UDate end =
+      start + (to.timeIntervalSinceReferenceDate() - from.timeIntervalSinceReferenceDate()) * 1000.0;
   if (!std::isfinite(start) || !std::isfinite(end)) return std::nullopt;
   detail::MutexLock lock(impl_->mutex);
   auto& calendar = *impl_->calendar;

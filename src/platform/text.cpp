@@ -15,7 +15,8 @@ const icu::Normalizer2& nfc() {
   static const icu::Normalizer2* const instance = [] {
     UErrorCode status = U_ZERO_ERROR;
     const auto* normalizer = icu::Normalizer2::getNFCInstance(status);
-    if (U_FAILURE(status)) throw std::runtime_error(std::string("ICU NFC data unavailable: ") + u_errorName(status));
+    if (U_FAILURE(status))
+      throw std::runtime_error(std::string("ICU NFC data unavailable: ") + u_errorName(status));
     return normalizer;
   }();
   return *instance;
@@ -50,7 +51,8 @@ std::string canonical(std::string_view text) {
   if (isASCII(text)) return std::string(text);
   UErrorCode status = U_ZERO_ERROR;
   const auto normalized = nfc().normalize(detail::toICU(text), status);
-  if (U_FAILURE(status)) throw std::runtime_error(std::string("NFC normalisation failed: ") + u_errorName(status));
+  if (U_FAILURE(status))
+    throw std::runtime_error(std::string("NFC normalisation failed: ") + u_errorName(status));
   return detail::fromICU(normalized);
 }
 

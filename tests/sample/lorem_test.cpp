@@ -89,7 +89,8 @@ TEST(LoremTest, BrokenPreconditionsThrowSayingWhatWasWrong) {
             "bound, so it could give a negative count");
   // Counts too large for a string are refused before anything is built.
   EXPECT_THROW((void)Lorem::paragraphs(kInt64Max), std::length_error);
-  EXPECT_THROW((void)Lorem::words(static_cast<std::int64_t>(std::string().max_size() / 2 + 2)), std::length_error);
+  EXPECT_THROW((void)Lorem::words(static_cast<std::int64_t>(std::string().max_size() / 2 + 2)),
+               std::length_error);
 }
 
 // Words come up in proportion to their entries in the list. Over 200,000 draws the chi-square statistic

@@ -152,8 +152,8 @@ TEST_F(TagsManagerConcurrencyTest, ConcurrentChangesEndWithTheFileEqualToTheList
       const char* const operations[] = {"insert", "update", "delete"};
       for (int i = 0; i < 150; ++i) {
         const int n = static_cast<int>(detail::random::uniformBelow(24)) + 1;
-        change(manager, std::string(operations[static_cast<std::size_t>((i + t) % 3)]) + " " + std::to_string(n) + ":Tag" +
-                            std::to_string((n * 7 + t) % 24));
+        change(manager, std::string(operations[static_cast<std::size_t>((i + t) % 3)]) + " " +
+                            std::to_string(n) + ":Tag" + std::to_string((n * 7 + t) % 24));
         // Rebuilds the index under the others' changes; what lookups give is checked above.
         static_cast<void>(manager.formattedListString({idNumber(n), idNumber(n % 24 + 1)}));
       }

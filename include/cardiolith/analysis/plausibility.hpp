@@ -15,7 +15,8 @@ namespace cardiolith {
 // Why a measurement can't be a real one, one sentence per problem in the order systolic, diastolic, pulse,
 // then the order of the pressures ("the systolic pressure 301 is outside 40-300 mmHg"); empty when it is
 // plausible. Pure, callable from any thread.
-[[nodiscard]] CARDIOLITH_EXPORT std::vector<std::string> implausibilities(std::int64_t systolic, std::int64_t diastolic,
-                                                        std::int64_t pulse);
+[[nodiscard]] CARDIOLITH_EXPORT std::vector<std::string> implausibilities(std::int64_t systolic,
+                                                                          std::int64_t diastolic,
+                                                                          std::int64_t pulse);
 
 }  // namespace cardiolith

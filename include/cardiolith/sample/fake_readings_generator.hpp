@@ -15,7 +15,8 @@ struct CARDIOLITH_EXPORT FakeReadingsGenerator {
   // Lorem::sentence as notes when asked. A negative count or a variance below 1 throws
   // std::invalid_argument.
   [[nodiscard]] static ReadingList generateFakeReadings(std::int64_t count, Date endDate,
-                                          std::optional<std::int64_t> rangeVariance, bool includeNotes);
+                                                        std::optional<std::int64_t> rangeVariance,
+                                                        bool includeNotes);
 };
 
 }  // namespace cardiolith

@@ -12,7 +12,8 @@ namespace cardiolith::tool {
 namespace {
 
 TEST(DateInputTest, RefusesTextsThatAreNoDateAndNamesTheOption) {
-  for (const char* text : {"20.11.2026", "yesterday", "2026-04-31", "2026-11-20 24:00", "2026-11-20 7:45", ""}) {
+  for (const char* text :
+       {"20.11.2026", "yesterday", "2026-04-31", "2026-11-20 24:00", "2026-11-20 7:45", ""}) {
     SCOPED_TRACE(text);
     try {
       (void)parseDateTime(text, "--at");
@@ -38,8 +39,13 @@ TEST(DateInputTest, SpansCountDaysOrWeeks) {
     const char* text;
     std::optional<std::int64_t> days;  // absent: refused
   };
-  const Case cases[] = {{"7", 7}, {"7d", 7}, {"2w", 14}, {"7x", std::nullopt}, {"0d", std::nullopt},
-                        {"-1", std::nullopt}, {"", std::nullopt}};
+  const Case cases[] = {{"7", 7},
+                        {"7d", 7},
+                        {"2w", 14},
+                        {"7x", std::nullopt},
+                        {"0d", std::nullopt},
+                        {"-1", std::nullopt},
+                        {"", std::nullopt}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     if (c.days) {

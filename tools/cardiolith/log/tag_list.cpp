@@ -28,7 +28,8 @@ std::string caseFolded(std::string_view title) {
 }  // namespace
 
 TagList::TagList(const DataFolder& folder)
-    : file_(mutingFirstUse(folder.tagsFile())), manager_(folder.locations(), StorageOptions{.durable = true}) {
+    : file_(mutingFirstUse(folder.tagsFile())),
+      manager_(folder.locations(), StorageOptions{.durable = true}) {
   manager_.waitUntilLoaded();
 }
 

@@ -24,7 +24,7 @@ std::size_t utf8SequenceLength(std::string_view text, std::size_t i) noexcept {
   }
   if (lead >= 0xF0 && lead <= 0xF4) {
     if (!continuation(i + 1) || !continuation(i + 2) || !continuation(i + 3)) return 0;
-    if (lead == 0xF0 && byte(i + 1) < 0x90) return 0;  // overlong
+    if (lead == 0xF0 && byte(i + 1) < 0x90) return 0;   // overlong
     if (lead == 0xF4 && byte(i + 1) >= 0x90) return 0;  // above U+10FFFF
     return 4;
   }
@@ -87,13 +87,27 @@ class Writer {
  private:
   void escape(char c) {
     switch (c) {
-      case '"': out_ += "\\\""; return;
-      case '\\': out_ += "\\\\"; return;
-      case '\b': out_ += "\\b"; return;
-      case '\f': out_ += "\\f"; return;
-      case '\n': out_ += "\\n"; return;
-      case '\r': out_ += "\\r"; return;
-      case '\t': out_ += "\\t"; return;
+      case '"':
+        out_ += "\\\"";
+        return;
+      case '\\':
+        out_ += "\\\\";
+        return;
+      case '\b':
+        out_ += "\\b";
+        return;
+      case '\f':
+        out_ += "\\f";
+        return;
+      case '\n':
+        out_ += "\\n";
+        return;
+      case '\r':
+        out_ += "\\r";
+        return;
+      case '\t':
+        out_ += "\\t";
+        return;
       default: {
         constexpr char kDigits[] = "0123456789abcdef";
         const auto code = static_cast<unsigned char>(c);

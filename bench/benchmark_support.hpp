@@ -18,7 +18,9 @@ inline void atEveryDocumentSize(benchmark::internal::Benchmark* benchmark) {
   benchmark->Unit(benchmark::kMicrosecond);
 }
 
-inline std::size_t documentSize(const benchmark::State& state) { return static_cast<std::size_t>(state.range(0)); }
+inline std::size_t documentSize(const benchmark::State& state) {
+  return static_cast<std::size_t>(state.range(0));
+}
 
 // The shared container is the folder itself; the documents folder inside it does not exist, so stores
 // find nothing to migrate.

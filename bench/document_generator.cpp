@@ -19,13 +19,13 @@ constexpr std::array<std::string_view, 10> kDefaultTagTexts{
 // Words of the notes. Most are plain; the others carry what real notes carry and a writer must escape or
 // pass through: commas, quotes, slashes, a line break, accented letters and emoji.
 constexpr std::array<std::string_view, 48> kWords{
-    "felt",       "fine",     "after",      "coffee",       "walk",       "stairs",   "slept",
-    "badly",      "headache", "before",     "breakfast",    "dinner",     "work",     "stress",
-    "calm",       "rested",   "cuff",       "loose",        "sitting",    "quietly",  "morning",
-    "evening",    "left",     "arm",        "tired,",       "dizzy,",     "then",     "ok,",
-    "\"relaxed\"", "said",    "\"retake\"", "left/right",   "w/o",        "1/2",      "pill",
-    "line\nbreak", "café",    "naïve",      "Müller",       "señal",      "élevé",    "Ångström",
-    "😀",         "❤️",        "💊",         "🏃‍♂️",           "ok 👍",      "très"};
+    "felt",        "fine",     "after",      "coffee",        "walk",    "stairs",  "slept",
+    "badly",       "headache", "before",     "breakfast",     "dinner",  "work",    "stress",
+    "calm",        "rested",   "cuff",       "loose",         "sitting", "quietly", "morning",
+    "evening",     "left",     "arm",        "tired,",        "dizzy,",  "then",    "ok,",
+    "\"relaxed\"", "said",     "\"retake\"", "left/right",    "w/o",     "1/2",     "pill",
+    "line\nbreak", "café",     "naïve",      "Müller",        "señal",   "élevé",   "Ångström",
+    "😀",           "❤️",   "💊",          "🏃‍♂️", "ok 👍",    "très"};
 
 // Draws from one std::mt19937_64, with the arithmetic spelt out so that the log is the same everywhere.
 class Draws {
@@ -81,7 +81,8 @@ std::vector<UuidBytes> tagIDs(Draws& draws) {
   const std::int64_t count = draws.between(1, 3);
   std::vector<UuidBytes> ids;
   for (std::int64_t i = 0; i < count; ++i) {
-    ids.push_back(pool[static_cast<std::size_t>(draws.between(0, static_cast<std::int64_t>(pool.size()) - 1))]);
+    ids.push_back(
+        pool[static_cast<std::size_t>(draws.between(0, static_cast<std::int64_t>(pool.size()) - 1))]);
   }
   normaliseTagIDs(ids);
   return ids;

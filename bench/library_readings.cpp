@@ -42,7 +42,8 @@ PlainReading toPlainReading(const Reading& reading) {
     for (const UUID& id : *reading.tagIDs()) plain.tagIDs->push_back(id.bytes());
   }
   if (const auto healthKitID = reading.healthKitID()) {
-    plain.healthKitID = PlainHealthKitID{healthKitID->bloodPressureUUID.bytes(), healthKitID->heartRateUUID.bytes()};
+    plain.healthKitID =
+        PlainHealthKitID{healthKitID->bloodPressureUUID.bytes(), healthKitID->heartRateUUID.bytes()};
   }
   return plain;
 }

@@ -1,8 +1,9 @@
 // Peak resident memory of loading a readings document, in a process of its own.
 //
-//   cardiolith_bench_load_memory write <readings> <folder>   writes the generated document to <folder>/readings
-//   cardiolith_bench_load_memory load <folder>               loads it through ReadingsStore::load
-//   cardiolith_bench_load_memory load-reference <folder>     reads and decodes it with the simdjson reference
+//   cardiolith_bench_load_memory write <readings> <folder>   writes the generated document to
+//   <folder>/readings cardiolith_bench_load_memory load <folder>               loads it through
+//   ReadingsStore::load cardiolith_bench_load_memory load-reference <folder>     reads and decodes it with
+//   the simdjson reference
 //
 // The load modes print one JSON object: readings, file_bytes, rss_before_kb (resident before loading),
 // peak_rss_kb (the process's peak, from getrusage) and retained_heap_kb (the heap still in use once the

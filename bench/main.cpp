@@ -57,37 +57,34 @@ std::string compareText(const std::string& written) {
 
 void checkEquivalence() {
   const Corpus& document = corpus(kCheckedSize);
-  benchmark::AddCustomContext("readers.simdjson", outcome([&] {
-    return compareReadings(readDocumentWithSimdjson(document.text));
-  }));
-  benchmark::AddCustomContext("readers.nlohmann", outcome([&] {
-    return compareReadings(readDocumentWithNlohmann(document.text));
-  }));
+  benchmark::AddCustomContext(
+      "readers.simdjson", outcome([&] { return compareReadings(readDocumentWithSimdjson(document.text)); }));
+  benchmark::AddCustomContext(
+      "readers.nlohmann", outcome([&] { return compareReadings(readDocumentWithNlohmann(document.text)); }));
   benchmark::AddCustomContext("readers.library", outcome([&] {
-    std::vector<PlainReading> read;
-    for (const auto& reading : json::decode<Readings>(document.text).readings) {
-      read.push_back(toPlainReading(*reading));
-    }
-    return compareReadings(read);
-  }));
-  benchmark::AddCustomContext("writers.nlohmann", outcome([&] {
-    return compareText(writeDocumentWithNlohmann(document.readings));
-  }));
-  benchmark::AddCustomContext("writers.library", outcome([&] {
-    return compareText(json::encode(libraryReadings(kCheckedSize)));
-  }));
+                                std::vector<PlainReading> read;
+                                for (const auto& reading : json::decode<Readings>(document.text).readings) {
+                                  read.push_back(toPlainReading(*reading));
+                                }
+                                return compareReadings(read);
+                              }));
+  benchmark::AddCustomContext(
+      "writers.nlohmann", outcome([&] { return compareText(writeDocumentWithNlohmann(document.readings)); }));
+  benchmark::AddCustomContext(
+      "writers.library", outcome([&] { return compareText(json::encode(libraryReadings(kCheckedSize))); }));
 }
 
 // With CARDIOLITH_BENCH_WARM_HEAP=1 the heap keeps what is freed (glibc: one heap for every thread, the
-// stores' included, no separate mappings for large blocks, no returning memory to the system), so that every repetition after a benchmark's first works in
-// memory the process has touched before, as the small documents' repetitions do anyway. Touching a fresh
-// page costs microseconds on a virtual machine; without it, what grows from 10,000 to 1,000,000 readings
-// is the code's own cost. True when the heap is kept.
+// stores' included, no separate mappings for large blocks, no returning memory to the system), so that every
+// repetition after a benchmark's first works in memory the process has touched before, as the small
+// documents' repetitions do anyway. Touching a fresh page costs microseconds on a virtual machine; without
+// it, what grows from 10,000 to 1,000,000 readings is the code's own cost. True when the heap is kept.
 bool keepHeapWarm() {
   const char* setting = std::getenv("CARDIOLITH_BENCH_WARM_HEAP");
   if (setting == nullptr || std::string_view(setting) != "1") return false;
 #if defined(__GLIBC__)
-  return mallopt(M_ARENA_MAX, 1) == 1 && mallopt(M_MMAP_MAX, 0) == 1 && mallopt(M_TRIM_THRESHOLD, INT_MAX) == 1;
+  return mallopt(M_ARENA_MAX, 1) == 1 && mallopt(M_MMAP_MAX, 0) == 1 &&
+         mallopt(M_TRIM_THRESHOLD, INT_MAX) == 1;
 #else
   return false;
 #endif
@@ -101,7 +98,8 @@ int main(int argc, char** argv) {
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   // The stores log their expected first-start failures (no tags file yet); they are not results.
   cardiolith::Logger::setHandler([](const cardiolith::LogRecord&) {});
-  benchmark::AddCustomContext("heap", cardiolith::bench::keepHeapWarm() ? "kept warm" : "as the system gives it");
+  benchmark::AddCustomContext("heap",
+                              cardiolith::bench::keepHeapWarm() ? "kept warm" : "as the system gives it");
   cardiolith::bench::checkEquivalence();
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();

@@ -19,7 +19,8 @@ constexpr std::array<std::int8_t, 256> kHexValues = [] {
 }();
 
 // Where the two hex digits of each byte start in the text.
-constexpr std::array<std::uint8_t, 16> kByteOffsets{0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34};
+constexpr std::array<std::uint8_t, 16> kByteOffsets{0,  2,  4,  6,  9,  11, 14, 16,
+                                                    19, 21, 24, 26, 28, 30, 32, 34};
 
 }  // namespace
 

@@ -25,7 +25,8 @@ UUID tagID(std::size_t index) {
 
 Tag tag(std::size_t index, std::string_view edition) {
   char title[48];
-  std::snprintf(title, sizeof title, "Tag %04zu%.*s", index, static_cast<int>(edition.size()), edition.data());
+  std::snprintf(title, sizeof title, "Tag %04zu%.*s", index, static_cast<int>(edition.size()),
+                edition.data());
   return Tag{tagID(index), title, "5856d6"};
 }
 

@@ -22,13 +22,15 @@ struct NamedReader {
   Reader read;
 };
 
-const NamedReader kReaders[] = {{"simdjson", readDocumentWithSimdjson}, {"nlohmann", readDocumentWithNlohmann}};
+const NamedReader kReaders[] = {{"simdjson", readDocumentWithSimdjson},
+                                {"nlohmann", readDocumentWithNlohmann}};
 
 constexpr const char* kUuidA = "96FEBCCC-8368-4D94-B24B-495782725DF5";
 constexpr const char* kUuidB = "5e2f527f-0851-42f4-a3e9-218a60a6c599";
 
 std::string document(const std::string& readingMembers) {
-  return R"({"readings":[{"id":"a","date":1.5,"systolic":120,"diastolic":80,"pulse":60)" + readingMembers + "}]}";
+  return R"({"readings":[{"id":"a","date":1.5,"systolic":120,"diastolic":80,"pulse":60)" + readingMembers +
+         "}]}";
 }
 
 TEST(ReferenceCodecsTest, EveryReaderReadsBackWhatTheWritersWrite) {
@@ -45,8 +47,7 @@ TEST(ReferenceCodecsTest, ReadersAcceptWhatTheFormatAllows) {
     std::function<void(const PlainReading&)> expect;
   };
   const Case cases[] = {
-      {"null optional members are absent",
-       document(R"(,"notes":null,"tagIDs":null,"healthKitID":null)"),
+      {"null optional members are absent", document(R"(,"notes":null,"tagIDs":null,"healthKitID":null)"),
        [](const PlainReading& r) {
          EXPECT_FALSE(r.notes);
          EXPECT_FALSE(r.tagIDs);
@@ -57,9 +58,9 @@ TEST(ReferenceCodecsTest, ReadersAcceptWhatTheFormatAllows) {
          EXPECT_EQ(r.notes, "");
          EXPECT_EQ(r.tagIDs, std::vector<UuidBytes>{});
        }},
-      {"unknown members are ignored", document(R"(,"mood":{"x":[1,2]},"healthKitID":{"bloodPressureUUID":")" +
-                                               std::string(kUuidA) + R"(","heartRateUUID":")" + kUuidB +
-                                               R"(","extra":true})"),
+      {"unknown members are ignored",
+       document(R"(,"mood":{"x":[1,2]},"healthKitID":{"bloodPressureUUID":")" + std::string(kUuidA) +
+                R"(","heartRateUUID":")" + kUuidB + R"(","extra":true})"),
        [](const PlainReading& r) { ASSERT_TRUE(r.healthKitID); }},
       {"duplicate tags collapse, lower case parses",
        document(std::string(R"(,"tagIDs":[")") + kUuidA + R"(",")" + kUuidB + R"(",")" + kUuidA + R"("])"),
@@ -102,10 +103,11 @@ TEST(ReferenceCodecsTest, ReadersRejectWhatTheFormatForbidsNamingTheMember) {
       {"null required member", R"({"readings":[{"id":null,"date":1,"systolic":1,"diastolic":2,"pulse":3}]})",
        "id"},
       {"fraction in an integer", document("").replace(good.find("120"), 3, "120.5"), "systolic"},
-      {"integer beyond 64 bits", document("").replace(good.find("80"), 2, "9223372036854775808"), "diastolic"},
+      {"integer beyond 64 bits", document("").replace(good.find("80"), 2, "9223372036854775808"),
+       "diastolic"},
       {"date as a string", document("").replace(good.find("1.5"), 3, "\"1.5\""), "date"},
-      {"bad UUID among tags", document(std::string(R"(,"tagIDs":[")") + kUuidA + R"(","{)" + kUuidA + R"(}"])"),
-       "tagIDs"},
+      {"bad UUID among tags",
+       document(std::string(R"(,"tagIDs":[")") + kUuidA + R"(","{)" + kUuidA + R"(}"])"), "tagIDs"},
       {"health ids without heart rate",
        document(std::string(R"(,"healthKitID":{"bloodPressureUUID":")") + kUuidA + R"("})"), "heartRateUUID"},
   };
@@ -129,12 +131,11 @@ TEST(ReferenceCodecsTest, WritersEscapeTextAndRefuseWhatCannotBeReadBack) {
   reading.id = "q\"b\\s/\x01\t\xF0\x9F\x92\x8A";
   reading.date = 0.1;
   reading.notes = "caf\xC3\xA9";
-  const std::string expected =
-      R"({"readings":[{"id":"q\"b\\s/\u0001\t)"
-      "\xF0\x9F\x92\x8A"
-      R"(","date":0.1,"systolic":0,"diastolic":0,"pulse":0,"notes":"caf)"
-      "\xC3\xA9"
-      R"("}]})";
+  const std::string expected = R"({"readings":[{"id":"q\"b\\s/\u0001\t)"
+                               "\xF0\x9F\x92\x8A"
+                               R"(","date":0.1,"systolic":0,"diastolic":0,"pulse":0,"notes":"caf)"
+                               "\xC3\xA9"
+                               R"("}]})";
   EXPECT_EQ(writeDocument({reading}), expected);
   EXPECT_EQ(writeDocumentWithNlohmann({reading}), expected);
 

@@ -31,8 +31,8 @@ int main(int argc, char** argv) {
   const Date now = Date::now();
   Readings log;
   for (std::int64_t day = 0; day < 7; ++day) {
-    log.readings.push_back(std::make_shared<Reading>(UUID::random().uuidString(), now.addingDays(-day), 120 + day,
-                                                     80, 70, std::nullopt, std::nullopt, morning));
+    log.readings.push_back(std::make_shared<Reading>(UUID::random().uuidString(), now.addingDays(-day),
+                                                     120 + day, 80, 70, std::nullopt, std::nullopt, morning));
   }
 
   // Saving is asynchronous: the future carries its error, and dropping it does not compile.

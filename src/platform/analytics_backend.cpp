@@ -16,7 +16,8 @@ class SilentBackend final : public AnalyticsBackend {
  public:
   void logEvent(const std::string&, const std::optional<AnalyticsParameters>&) override {}
   void updateUserProperties(const std::optional<AnalyticsParameters>&) override {}
-  void loggedAssertionFailure(const std::optional<std::string>&, std::string_view, std::string_view, int) override {}
+  void loggedAssertionFailure(const std::optional<std::string>&, std::string_view, std::string_view,
+                              int) override {}
 };
 
 struct BackendSlot {
@@ -33,7 +34,8 @@ BackendSlot& slot() {
 std::string typeName(const std::exception& error) {
   const char* mangled = typeid(error).name();
   int status = 0;
-  std::unique_ptr<char, void (*)(void*)> demangled(abi::__cxa_demangle(mangled, nullptr, nullptr, &status), std::free);
+  std::unique_ptr<char, void (*)(void*)> demangled(abi::__cxa_demangle(mangled, nullptr, nullptr, &status),
+                                                   std::free);
   return status == 0 && demangled ? demangled.get() : mangled;
 }
 
@@ -79,7 +81,8 @@ std::shared_ptr<AnalyticsBackend> OstrelAnalyticsLogger::backend() const {
   return current.backend;
 }
 
-void OstrelAnalyticsLogger::logEvent(const std::string& name, const std::optional<AnalyticsParameters>& params) {
+void OstrelAnalyticsLogger::logEvent(const std::string& name,
+                                     const std::optional<AnalyticsParameters>& params) {
   backend()->logEvent(name, params);
 }
 
@@ -87,8 +90,9 @@ void OstrelAnalyticsLogger::updateUserProperties(const std::optional<AnalyticsPa
   backend()->updateUserProperties(properties);
 }
 
-void OstrelAnalyticsLogger::loggedAssertionFailure(const std::optional<std::string>& message, std::string_view file,
-                                                   std::string_view function, int line) {
+void OstrelAnalyticsLogger::loggedAssertionFailure(const std::optional<std::string>& message,
+                                                   std::string_view file, std::string_view function,
+                                                   int line) {
   backend()->loggedAssertionFailure(message, file, function, line);
 }
 

@@ -23,8 +23,8 @@ DateFormatter::DateFormatter(std::string icuPattern, std::string localeID, std::
   UErrorCode status = U_ZERO_ERROR;
   auto format = std::make_unique<icu::SimpleDateFormat>(detail::toICU(icuPattern), locale, status);
   if (U_FAILURE(status)) {
-    throw std::invalid_argument("DateFormatter: pattern \"" + icuPattern + "\" is not a valid ICU date pattern (" +
-                                u_errorName(status) + ")");
+    throw std::invalid_argument("DateFormatter: pattern \"" + icuPattern +
+                                "\" is not a valid ICU date pattern (" + u_errorName(status) + ")");
   }
   if (timeZoneID.empty()) {
     impl_->followsDefaultTimeZone = true;

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/thread_annotations.hpp"
 #include "platform/icu_strings.hpp"
 #include "platform/posix_time_zone.hpp"
+#include "platform/thread_annotations.hpp"
 
 namespace cardiolith::detail {
 namespace {

@@ -12,19 +12,23 @@ using Handler = std::function<void(const LogRecord&)>;
 
 const char* levelName(LogLevel level) {
   switch (level) {
-    case LogLevel::debug: return "debug";
-    case LogLevel::info: return "info";
-    case LogLevel::error: return "error";
-    case LogLevel::fault: return "fault";
+    case LogLevel::debug:
+      return "debug";
+    case LogLevel::info:
+      return "info";
+    case LogLevel::error:
+      return "error";
+    case LogLevel::fault:
+      return "fault";
   }
   return "log";
 }
 
 void writeToStandardError(const LogRecord& record) {
   if (record.level != LogLevel::error && record.level != LogLevel::fault) return;
-  std::fprintf(stderr, "[%.*s:%.*s] %s: %.*s\n", static_cast<int>(record.subsystem.size()), record.subsystem.data(),
-               static_cast<int>(record.category.size()), record.category.data(), levelName(record.level),
-               static_cast<int>(record.message.size()), record.message.data());
+  std::fprintf(stderr, "[%.*s:%.*s] %s: %.*s\n", static_cast<int>(record.subsystem.size()),
+               record.subsystem.data(), static_cast<int>(record.category.size()), record.category.data(),
+               levelName(record.level), static_cast<int>(record.message.size()), record.message.data());
 }
 
 // The handler is swapped under a lock and called outside it, so a handler may log or replace itself.

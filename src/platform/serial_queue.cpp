@@ -28,7 +28,8 @@ void lowerCurrentThreadPriority(int creatorNice) {
 
 }  // namespace
 
-SerialQueue::SerialQueue(std::string label, Priority priority) : label_(std::move(label)), priority_(priority) {
+SerialQueue::SerialQueue(std::string label, Priority priority)
+    : label_(std::move(label)), priority_(priority) {
   errno = 0;
   const int creatorNice = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::syscall(SYS_gettid)));
   worker_ = std::thread([this, creatorNice] {

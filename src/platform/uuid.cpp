@@ -9,7 +9,8 @@ namespace {
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 // Where each byte's two digits, and the hyphens, sit in the 36-character text form.
-constexpr std::array<std::size_t, 16> kDigitPositions{0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34};
+constexpr std::array<std::size_t, 16> kDigitPositions{0,  2,  4,  6,  9,  11, 14, 16,
+                                                      19, 21, 24, 26, 28, 30, 32, 34};
 constexpr std::array<std::size_t, 4> kHyphenPositions{8, 13, 18, 23};
 
 // The two digits of every byte value, so that writing ids, on the document encoder's hot path, is one

@@ -15,7 +15,8 @@
 namespace cardiolith::detail {
 
 // The one file that holds a store's document: read whole (the readings document a window at a time),
-// written whole, plainly in place or durably (StorageOptions). Not synchronised: its store calls it from the store's own serial executor.
+// written whole, plainly in place or durably (StorageOptions). Not synchronised: its store calls it from the
+// store's own serial executor.
 class DocumentFile {
  public:
   DocumentFile(std::filesystem::path path, StorageOptions options);

@@ -13,7 +13,8 @@ namespace cardiolith::testing {
 // The instant of a UTC calendar date and hour.
 inline Date utc(int year, unsigned month, unsigned day, int hour = 0) {
   const std::chrono::sys_seconds instant =
-      std::chrono::sys_days{std::chrono::year{year} / std::chrono::month{month} / std::chrono::day{day}} + std::chrono::hours{hour};
+      std::chrono::sys_days{std::chrono::year{year} / std::chrono::month{month} / std::chrono::day{day}} +
+      std::chrono::hours{hour};
   return Date::fromTimeIntervalSince1970(static_cast<double>(instant.time_since_epoch().count()));
 }
 

@@ -56,7 +56,8 @@ std::string describe(const std::optional<AnalyticsParameters>& parameters) {
 // <properties>", adding the thread's name unless it is the analytics queue's, then runs `then`.
 struct Recorder : AnalyticsBackend, SubEventLogger {
   using Parameters = std::optional<AnalyticsParameters>;
-  Recorder(std::shared_ptr<Record> sharedRecord, std::string recorderLabel, std::function<void()> afterwards = {})
+  Recorder(std::shared_ptr<Record> sharedRecord, std::string recorderLabel,
+           std::function<void()> afterwards = {})
       : record(std::move(sharedRecord)), label(std::move(recorderLabel)), then(std::move(afterwards)) {}
 
   void add(const std::string& delivery) {

@@ -34,9 +34,9 @@ TEST(ReadingsJsonTest, RoundTripsEveryCombinationOfOptionalMembersAndExtremeValu
   const std::optional<Reading::HealthKitID> healthKitCases[] = {std::nullopt, kHealthKitID};
   Readings readings;
   for (std::size_t i = 0; i < 18; ++i) {
-    readings.readings.push_back(Reading::decoded("R" + std::to_string(i), Date(7e8 + static_cast<double>(i) / 3.0), 121, 79, 66,
-                                                 notesCases[i % 3], tagCases[i / 3 % 3],
-                                                 healthKitCases[i / 9]));
+    readings.readings.push_back(
+        Reading::decoded("R" + std::to_string(i), Date(7e8 + static_cast<double>(i) / 3.0), 121, 79, 66,
+                         notesCases[i % 3], tagCases[i / 3 % 3], healthKitCases[i / 9]));
   }
   // Dates read back as the same double, integers at both ends of their range.
   for (const double date : {0.1, -1e-300, 5e-324, 1e21, std::numeric_limits<double>::max(), -0.0})
@@ -154,7 +154,8 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
        "invalid JSON at byte 1100: nested more than 1023 levels deep"},
   };
   for (const auto& [text, message] : cases)
-    EXPECT_EQ(testing::messageOf<DecodingError>([&text = text] { (void)json::decode<Readings>(text); }), message)
+    EXPECT_EQ(testing::messageOf<DecodingError>([&text = text] { (void)json::decode<Readings>(text); }),
+              message)
         << text;
 }
 
@@ -185,7 +186,8 @@ TEST(ReadingsJsonTest, NamesTheFirstFaultInCheckingOrderWhateverTheMemberOrder) 
   };
   for (const auto& [reading, message] : cases) {
     const std::string text = R"({"readings":[)" + reading + "]}";
-    EXPECT_EQ(testing::messageOf<DecodingError>([&] { (void)json::decode<Readings>(text); }), message) << reading;
+    EXPECT_EQ(testing::messageOf<DecodingError>([&] { (void)json::decode<Readings>(text); }), message)
+        << reading;
   }
 }
 

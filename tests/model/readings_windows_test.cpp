@@ -19,17 +19,17 @@ const Reading::HealthKitID kHealthKitID{*UUID::parse("AAAAAAAA-BBBB-4CCC-8DDD-EE
                                         *UUID::parse("12345678-9ABC-4DEF-8123-456789ABCDEF")};
 
 // Notes that look like the boundary between two readings, so that a window's end is guessed wrong.
-const std::optional<std::string> kNotes[] = {std::nullopt,   "a},{b",       R"(said "},{" twice },{)",
-                                             "} ,\n {",      "plain words", "",
-                                             "caf\u00e9 \U0001F600"};
+const std::optional<std::string> kNotes[] = {std::nullopt,  "a},{b", R"(said "},{" twice },{)", "} ,\n {",
+                                             "plain words", "",      "caf\u00e9 \U0001F600"};
 
 std::string canonicalDocument(int count) {
   Readings readings;
   for (int index = 0; index < count; ++index) {
-    readings.readings.push_back(Reading::decoded(
-        "id-" + std::to_string(index), Date(index * 1.25), 110 + index, 70 + index % 9, 60 + index % 7,
-        kNotes[static_cast<std::size_t>(index) % std::size(kNotes)], index % 3 == 0 ? std::optional(std::set{kTag}) : std::nullopt,
-        index % 4 == 0 ? std::optional(kHealthKitID) : std::nullopt));
+    readings.readings.push_back(
+        Reading::decoded("id-" + std::to_string(index), Date(index * 1.25), 110 + index, 70 + index % 9,
+                         60 + index % 7, kNotes[static_cast<std::size_t>(index) % std::size(kNotes)],
+                         index % 3 == 0 ? std::optional(std::set{kTag}) : std::nullopt,
+                         index % 4 == 0 ? std::optional(kHealthKitID) : std::nullopt));
   }
   return json::encode(readings);
 }
@@ -84,12 +84,9 @@ TEST(ReadingsWindowsTest, DecodesTheUsualShapeAsTheWholeTextDoes) {
     std::string text;
     std::size_t boundedFrom;  // windows from this size on hold every reading without growing
   } cases[] = {
-      {"canonical", canonicalDocument(60), 4096},
-      {"spaced", spacedDocument(60), 4096},
-      {"empty", R"({"readings":[]})", 32},
-      {"empty, spaced", " { \"readings\" : [\n] }\n", 32},
-      {"one reading", canonicalDocument(1), 4096},
-      {"a reading larger than any window", hugeNote, SIZE_MAX},
+      {"canonical", canonicalDocument(60), 4096},  {"spaced", spacedDocument(60), 4096},
+      {"empty", R"({"readings":[]})", 32},         {"empty, spaced", " { \"readings\" : [\n] }\n", 32},
+      {"one reading", canonicalDocument(1), 4096}, {"a reading larger than any window", hugeNote, SIZE_MAX},
   };
   for (const auto& testCase : cases) {
     const Readings expected = decodeWhole(testCase.text);
@@ -155,7 +152,8 @@ TEST(ReadingsWindowsTest, LimitsNestingAsTheWholeTextDoes) {
   int decodedWhole = 0;
   for (int depth = 1018; depth <= 1026; ++depth) {
     const std::string text = R"({"readings":[{"id":"a","date":1,"systolic":2,"diastolic":3,"pulse":4,"x":)" +
-                             std::string(static_cast<std::size_t>(depth), '[') + std::string(static_cast<std::size_t>(depth), ']') + "}]}";
+                             std::string(static_cast<std::size_t>(depth), '[') +
+                             std::string(static_cast<std::size_t>(depth), ']') + "}]}";
     const bool whole = messageOf<DecodingError>([&] { decodeWhole(text); }) == "no error";
     decodedWhole += whole;
     EXPECT_EQ(decodeInWindows(text, 64).readings.has_value(), whole) << "depth " << depth;

@@ -31,7 +31,9 @@ TEST(CalendarTest, DayArithmeticFollowsTheLocalCalendarAcrossTheSpringForward) {
       const std::int64_t sign = days > 0 ? 1 : -1;
       EXPECT_EQ(start.addingDays(days), start.addingTimeInterval(seconds)) << days;
       EXPECT_EQ(calendar.wholeDays(start, start.addingTimeInterval(seconds)), days) << days;
-      EXPECT_EQ(calendar.wholeDays(start, start.addingTimeInterval(seconds - static_cast<double>(sign))), days - sign) << days;
+      EXPECT_EQ(calendar.wholeDays(start, start.addingTimeInterval(seconds - static_cast<double>(sign))),
+                days - sign)
+          << days;
     }
   }
   // Six days and 23 hours, seven days across the New York change, are six where no day is short.

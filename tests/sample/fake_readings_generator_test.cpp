@@ -99,7 +99,8 @@ TEST(FakeReadingsGeneratorTest, BrokenLimitsThrowBeforeAnyTagIsReadAndExtremeOne
       {3, -7, "rangeVariance must be 1 or more, got -7"}};
   for (const auto& [count, variance, message] : cases) {
     Generator generate;
-    EXPECT_EQ(testing::messageOf<std::invalid_argument>([&, &count = count, &variance = variance] { generate(count, variance); }),
+    EXPECT_EQ(testing::messageOf<std::invalid_argument>(
+                  [&, &count = count, &variance = variance] { generate(count, variance); }),
               "FakeReadingsGenerator::generateFakeReadings: " + message);
     EXPECT_EQ(generate.reads, 0);
   }

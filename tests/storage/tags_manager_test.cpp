@@ -162,8 +162,8 @@ TEST_F(TagsManagerConcurrencyTest, ConcurrentChangesEndWithTheFileEqualToTheList
       std::uniform_int_distribution<int> tagNumber(1, 24);
       for (int i = 0; i < 150; ++i) {
         const auto n = tagNumber(random);
-        change(manager, std::string(operations[static_cast<std::size_t>((i + t) % 3)]) + " " + std::to_string(n) + ":Tag" +
-                            std::to_string((n * 7 + t) % 24));
+        change(manager, std::string(operations[static_cast<std::size_t>((i + t) % 3)]) + " " +
+                            std::to_string(n) + ":Tag" + std::to_string((n * 7 + t) % 24));
         // Rebuilds the index under the others' changes; what lookups give is checked above.
         static_cast<void>(manager.formattedListString({idNumber(n), idNumber(n % 24 + 1)}));
       }

@@ -14,12 +14,14 @@ class TemporaryDirectory {
  public:
   TemporaryDirectory() {
     std::string pattern = (std::filesystem::temp_directory_path() / "cardiolith-test-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) throw std::system_error(errno, std::generic_category(), "mkdtemp");
+    if (::mkdtemp(pattern.data()) == nullptr)
+      throw std::system_error(errno, std::generic_category(), "mkdtemp");
     path_ = pattern;
   }
   ~TemporaryDirectory() {
     std::error_code ignored;
-    std::filesystem::permissions(path_, std::filesystem::perms::owner_all, std::filesystem::perm_options::add, ignored);
+    std::filesystem::permissions(path_, std::filesystem::perms::owner_all, std::filesystem::perm_options::add,
+                                 ignored);
     std::filesystem::remove_all(path_, ignored);
   }
   TemporaryDirectory(const TemporaryDirectory&) = delete;

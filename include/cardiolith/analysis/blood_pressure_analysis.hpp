@@ -51,7 +51,8 @@ inline constexpr CategoryRow categoryTable[] = {
 
 struct BloodPressureAnalyzer {
   // Classifies any pair of integers by `categoryTable`. Allocation-free and usable in constant expressions.
-  [[nodiscard]] static constexpr BloodPressureAnalysis result(std::int64_t systolic, std::int64_t diastolic) noexcept {
+  [[nodiscard]] static constexpr BloodPressureAnalysis result(std::int64_t systolic,
+                                                              std::int64_t diastolic) noexcept {
     for (const auto& row : categoryTable) {
       if (row.systolic.contains(systolic) && row.diastolic.contains(diastolic)) return row.category;
     }

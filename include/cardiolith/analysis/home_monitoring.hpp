@@ -1,13 +1,12 @@
 #pragma once
 
-#include "cardiolith/export.hpp"
-
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 #include "cardiolith/analysis/blood_pressure_analysis.hpp"
+#include "cardiolith/export.hpp"
 #include "cardiolith/model/reading.hpp"
 #include "cardiolith/platform/calendar.hpp"
 

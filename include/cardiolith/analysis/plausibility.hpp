@@ -6,8 +6,6 @@
 
 #include "cardiolith/export.hpp"
 
-#include "cardiolith/export.hpp"
-
 namespace cardiolith {
 
 // The values a person's measurement can plausibly take, inclusive: systolic 40-300 mmHg, diastolic 20-200
@@ -17,8 +15,9 @@ namespace cardiolith {
 // Why a measurement can't be a real one, one sentence per problem in the order systolic, diastolic, pulse,
 // then the order of the pressures ("the systolic pressure 301 is outside 40-300 mmHg"); empty when it is
 // plausible. Pure, callable from any thread.
-[[nodiscard]] CARDIOLITH_EXPORT std::vector<std::string> implausibilities(std::int64_t systolic, std::int64_t diastolic,
-                                                        std::int64_t pulse);
+[[nodiscard]] CARDIOLITH_EXPORT std::vector<std::string> implausibilities(std::int64_t systolic,
+                                                                          std::int64_t diastolic,
+                                                                          std::int64_t pulse);
 
 // True for a pressure pair in the hypertensive-crisis range: systolic 180 mmHg or more, or diastolic 120
 // mmHg or more. Such a reading calls for measuring again after a few minutes and, if it stays this high,

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "cardiolith/export.hpp"
 #include "cardiolith/analysis/blood_pressure_analysis.hpp"
+#include "cardiolith/export.hpp"
 #include "cardiolith/model/reading.hpp"
 
 namespace cardiolith {
@@ -69,7 +69,8 @@ struct CARDIOLITH_EXPORT ReadingsSummarizer {
   // saturates to INT64_MAX or INT64_MIN, so it still yields a category.
   [[nodiscard]] static ReadingsSummary summarise(const ReadingList& readings, Date startDate, Date endDate);
   // The single-precision mean of one field, accumulated in array order; nothing for no readings.
-  [[nodiscard]] static std::optional<float> getAverage(Reading::ValueType valueType, const ReadingList& readings);
+  [[nodiscard]] static std::optional<float> getAverage(Reading::ValueType valueType,
+                                                       const ReadingList& readings);
 };
 
 }  // namespace cardiolith

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "cardiolith/export.hpp"
 #include "cardiolith/analytics/sub_event_logger.hpp"
+#include "cardiolith/export.hpp"
 #include "cardiolith/platform/analytics_backend.hpp"
 
 namespace cardiolith {

@@ -12,6 +12,7 @@ namespace cardiolith {
 [[nodiscard]] CARDIOLITH_EXPORT ReadingList filtered(const ReadingList& readings, Date from, Date to);
 
 // The field that `of` names of every reading, in input order.
-[[nodiscard]] CARDIOLITH_EXPORT std::vector<std::int64_t> getAllValues(const ReadingList& readings, Reading::ValueType of);
+[[nodiscard]] CARDIOLITH_EXPORT std::vector<std::int64_t> getAllValues(const ReadingList& readings,
+                                                                       Reading::ValueType of);
 
 }  // namespace cardiolith

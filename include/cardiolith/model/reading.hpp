@@ -40,8 +40,8 @@ class CARDIOLITH_EXPORT Reading : public ObservableObject {
 
   // The columns of a text export, in order. There is no column for tags.
   enum class Heading { date, sys, dia, pulse, notes };
-  static constexpr std::array<Heading, 5> allHeadings{Heading::date, Heading::sys, Heading::dia, Heading::pulse,
-                                                      Heading::notes};
+  static constexpr std::array<Heading, 5> allHeadings{Heading::date, Heading::sys, Heading::dia,
+                                                      Heading::pulse, Heading::notes};
 
   static constexpr std::int64_t systolicDefault = 120;
   static constexpr std::int64_t diastolicDefault = 80;
@@ -54,10 +54,10 @@ class CARDIOLITH_EXPORT Reading : public ObservableObject {
 
   // Builds a decoded reading: unlike the constructor above, keeps empty notes as empty text.
   [[nodiscard]] static std::shared_ptr<Reading> decoded(std::string id, Date date, std::int64_t systolic,
-                                          std::int64_t diastolic, std::int64_t pulse,
-                                          std::optional<std::string> notes,
-                                          std::optional<std::set<UUID>> tagIDs,
-                                          std::optional<HealthKitID> healthKitID) {
+                                                        std::int64_t diastolic, std::int64_t pulse,
+                                                        std::optional<std::string> notes,
+                                                        std::optional<std::set<UUID>> tagIDs,
+                                                        std::optional<HealthKitID> healthKitID) {
     return decoded(std::allocator<Reading>(), std::move(id), date, systolic, diastolic, pulse,
                    std::move(notes), std::move(tagIDs), healthKitID);
   }
@@ -66,10 +66,10 @@ class CARDIOLITH_EXPORT Reading : public ObservableObject {
   // that a decoder can place a document's readings side by side.
   template <class Allocator>
   [[nodiscard]] static std::shared_ptr<Reading> decoded(const Allocator& allocator, std::string id, Date date,
-                                          std::int64_t systolic, std::int64_t diastolic, std::int64_t pulse,
-                                          std::optional<std::string> notes,
-                                          std::optional<std::set<UUID>> tagIDs,
-                                          std::optional<HealthKitID> healthKitID) {
+                                                        std::int64_t systolic, std::int64_t diastolic,
+                                                        std::int64_t pulse, std::optional<std::string> notes,
+                                                        std::optional<std::set<UUID>> tagIDs,
+                                                        std::optional<HealthKitID> healthKitID) {
     return std::allocate_shared<Reading>(allocator, DecodedTag{}, std::move(id), date, systolic, diastolic,
                                          pulse, std::move(notes), std::move(tagIDs), healthKitID);
   }
@@ -96,15 +96,17 @@ class CARDIOLITH_EXPORT Reading : public ObservableObject {
   // One table row: date, systolic, diastolic, pulse, then the tags cell (when includeTags and the tag ids
   // are present, and the list formatter gives a text) and the notes cell (when includeNotes and the notes
   // are present). Cells are appended, never left empty for an absent value.
-  [[nodiscard]] std::vector<std::string> inArrayFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
-                                         const TagsManager& tagManager, bool includeTags,
-                                         bool includeNotes) const;
+  [[nodiscard]] std::vector<std::string> inArrayFormat(const DateFormatter& dateFormatter,
+                                                       const ListFormatter& listFormatter,
+                                                       const TagsManager& tagManager, bool includeTags,
+                                                       bool includeNotes) const;
   // The cells of inArrayFormat, each with every occurrence of `separator` replaced by one space (one
   // left-to-right pass, matches not overlapping), joined by `separator`. No quoting. An empty separator
   // matches nothing, so the cells are kept unchanged and run together.
-  [[nodiscard]] std::string inLineFormat(const DateFormatter& dateFormatter, const ListFormatter& listFormatter,
-                           const TagsManager& tagManager, std::string_view separator, bool includeTags,
-                           bool includeNotes) const;
+  [[nodiscard]] std::string inLineFormat(const DateFormatter& dateFormatter,
+                                         const ListFormatter& listFormatter, const TagsManager& tagManager,
+                                         std::string_view separator, bool includeTags,
+                                         bool includeNotes) const;
 
  private:
   // Only `decoded` can make one, so the constructor below is public for std::allocate_shared alone.

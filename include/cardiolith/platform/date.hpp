@@ -22,7 +22,9 @@ class CARDIOLITH_EXPORT Date {
   }
 
   [[nodiscard]] constexpr double timeIntervalSinceReferenceDate() const { return seconds_; }
-  constexpr double timeIntervalSince1970() const { return seconds_ + timeIntervalBetween1970AndReferenceDate; }
+  constexpr double timeIntervalSince1970() const {
+    return seconds_ + timeIntervalBetween1970AndReferenceDate;
+  }
 
   [[nodiscard]] Date addingTimeInterval(double seconds) const { return Date(seconds_ + seconds); }
   // Moves by whole calendar days in Calendar::current(), keeping the local clock time.

@@ -44,7 +44,8 @@ class CARDIOLITH_EXPORT Logger {
   static void setHandler(std::function<void(const LogRecord&)> handler);
 
  private:
-  Logger(std::string_view subsystem, std::string_view category) : subsystem_(subsystem), category_(category) {}
+  Logger(std::string_view subsystem, std::string_view category)
+      : subsystem_(subsystem), category_(category) {}
   std::string_view subsystem_;
   std::string_view category_;
 };

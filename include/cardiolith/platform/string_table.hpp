@@ -14,7 +14,8 @@ namespace cardiolith {
 // the key itself is the text.
 struct CARDIOLITH_EXPORT StringTable {
   // Given the key and the ICU id of the current locale ("de_DE"), the translation or nothing.
-  using Translator = std::function<std::optional<std::string>(std::string_view key, std::string_view localeID)>;
+  using Translator =
+      std::function<std::optional<std::string>(std::string_view key, std::string_view localeID)>;
 
   [[nodiscard]] static std::string localized(std::string_view key);
   // Installs the process-wide translator; nullptr removes it. May be called from any thread.

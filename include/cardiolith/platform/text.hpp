@@ -28,8 +28,9 @@ namespace cardiolith::text {
 // ends between whole characters with their combining marks, so "e" does not match inside "e" + U+0301.
 // An empty target matches nothing. When either text is not valid UTF-8 the bytes are matched as they are.
 // An ASCII target is searched byte for byte, consulting ICU only about the non-ASCII characters of the text.
-[[nodiscard]] CARDIOLITH_EXPORT std::string replacingOccurrences(std::string_view text, std::string_view target,
-                                 std::string_view replacement);
+[[nodiscard]] CARDIOLITH_EXPORT std::string replacingOccurrences(std::string_view text,
+                                                                 std::string_view target,
+                                                                 std::string_view replacement);
 
 // Orders texts by Unicode scalar values of their NFC forms (upper-case ASCII before lower case).
 // Negative, zero or positive like strcmp.

@@ -17,7 +17,8 @@ struct CARDIOLITH_EXPORT FakeReadingsGenerator {
   // memory, RAM and swap together) throws std::length_error naming this function and the count, before any
   // reading is made.
   [[nodiscard]] static ReadingList generateFakeReadings(std::int64_t count, Date endDate,
-                                          std::optional<std::int64_t> rangeVariance, bool includeNotes);
+                                                        std::optional<std::int64_t> rangeVariance,
+                                                        bool includeNotes);
 };
 
 }  // namespace cardiolith

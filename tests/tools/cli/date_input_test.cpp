@@ -123,7 +123,8 @@ TEST(DateInputTest, RangeEndsTakeTheWholeLastDay) {
   const DateReader dates(*Calendar::inTimeZone("Europe/Berlin"), Date::fromTimeIntervalSince1970(1795612200));
   // 2026-10-25 lasts 25 hours in Berlin: from 2026-10-24 22:00 UTC to 2026-10-25 23:00 UTC.
   EXPECT_EQ(dates.rangeStart("2026-10-25", "--from"), Date::fromTimeIntervalSince1970(1792879200));
-  EXPECT_EQ(dates.rangeEnd("2026-10-25", "--to"), Date::fromTimeIntervalSince1970(1792969200).addingTimeInterval(-0.001));
+  EXPECT_EQ(dates.rangeEnd("2026-10-25", "--to"),
+            Date::fromTimeIntervalSince1970(1792969200).addingTimeInterval(-0.001));
   EXPECT_EQ(dates.rangeEnd("2026-10-25 9:00", "--to"), Date::fromTimeIntervalSince1970(1792915200));
 }
 

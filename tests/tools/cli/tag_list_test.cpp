@@ -31,7 +31,8 @@ TEST_F(TagListTest, ChangeIsRefusedWhenTheTagsFileCannotBeRead) {
     std::optional<std::string> content;  // absent: no tags file yet
     bool readable;
   };
-  const Case cases[] = {{"first use", std::nullopt, true}, {"cut short", "[{\"id\":", false}, {"a number", "7", false}};
+  const Case cases[] = {
+      {"first use", std::nullopt, true}, {"cut short", "[{\"id\":", false}, {"a number", "7", false}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     std::filesystem::remove(folder_.tagsFile());

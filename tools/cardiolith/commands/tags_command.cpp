@@ -138,7 +138,8 @@ void deleteTag(const TagsOptions& options, const GlobalOptions& global) {
     tags.manager().deleteTag(tag);
     const std::string lost = std::to_string(carriers) +
                              (carriers == 1 ? " reading no longer carries" : " readings no longer carry");
-    report = "Deleted tag \"" + singleLine(tag.title) + "\"" + (carriers > 0 ? "; " + lost + " it" : "") + "\n";
+    report =
+        "Deleted tag \"" + singleLine(tag.title) + "\"" + (carriers > 0 ? "; " + lost + " it" : "") + "\n";
     if (tags.manager().tags().empty()) {
       report += "That was the last tag, so the ten default tags come back (cardiolith tags shows them).\n";
     }

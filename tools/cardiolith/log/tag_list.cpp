@@ -97,8 +97,9 @@ std::vector<std::string> TagList::sortedTitles() const {
 
 void TagList::requireReadable() const {
   if (manager_.loadFailed()) {
-    throw ToolError("can't change the tags while the tags file " + file_.string() +
-                    " can't be read; nothing was changed. Move it aside (or restore it from a backup) first.");
+    throw ToolError(
+        "can't change the tags while the tags file " + file_.string() +
+        " can't be read; nothing was changed. Move it aside (or restore it from a backup) first.");
   }
 }
 

@@ -84,8 +84,9 @@ void printReportText(std::ostream& out, const HomeReportDocument& report) {
   } else {
     out << "Home average:  none (no morning or evening readings on the days that count)\n";
   }
+  const std::size_t counted = analysis.all ? analysis.all->readings : 0;
   out << "Counted:       " << analysis.countedDays << (analysis.countedDays == 1 ? " day, " : " days, ")
-      << (analysis.all ? analysis.all->readings : 0) << " readings; " << analysis.completeDays
+      << counted << (counted == 1 ? " reading; " : " readings; ") << analysis.completeDays
       << " with morning and evening\n\n";
   const auto notes = reportNotes(report);
   auto note = notes.begin();

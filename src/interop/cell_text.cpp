@@ -22,6 +22,12 @@ std::string guardedFromFormulas(std::string_view text) {
   return cell;
 }
 
+void appendDigits(std::string& out, int value, int width) {
+  char digits[8];
+  for (int i = width - 1; i >= 0; --i, value /= 10) digits[i] = static_cast<char>('0' + value % 10);
+  out.append(digits, static_cast<std::size_t>(width));
+}
+
 std::string_view unguarded(std::string_view text) {
   if (text.starts_with('\'') && startsFormulaAfterApostrophes(text)) text.remove_prefix(1);
   return text;

@@ -14,6 +14,9 @@ inline constexpr std::string_view kOwnColumns[] = {"Date",     "Systolic", "Dias
 // One more leading apostrophe when the text, after its leading apostrophes, starts with a character that
 // makes a spreadsheet run it as a formula (=, +, -, @, tab, carriage return).
 std::string guardedFromFormulas(std::string_view text);
+
+// Appends `value` (0 or more) as exactly `width` decimal digits (at most 8), zeros in front.
+void appendDigits(std::string& out, int value, int width);
 // The inverse: drops one leading apostrophe where guardedFromFormulas would have added it.
 std::string_view unguarded(std::string_view text);
 

@@ -38,12 +38,6 @@ std::vector<std::string> tagTitles(const Reading& reading,
   return result;
 }
 
-void appendDigits(std::string& out, int value, int width) {
-  char digits[8];
-  for (int i = width - 1; i >= 0; --i, value /= 10) digits[i] = static_cast<char>('0' + value % 10);
-  out.append(digits, static_cast<std::size_t>(width));
-}
-
 // "2025-01-12 08:12 +01:00": local time to the minute and the offset; "" outside the years 1-9999.
 std::string dateCell(const LocalClock& clock, Date date) {
   const auto wallTime = clock.wallTime(date);
@@ -53,19 +47,19 @@ std::string dateCell(const LocalClock& clock, Date date) {
   const int offset = wallTime->offsetSeconds;
   const int offsetMinutes = (offset < 0 ? -offset : offset) / 60;
   text.reserve(23);
-  appendDigits(text, time.year, 4);
+  detail::appendDigits(text, time.year, 4);
   text.push_back('-');
-  appendDigits(text, time.month, 2);
+  detail::appendDigits(text, time.month, 2);
   text.push_back('-');
-  appendDigits(text, time.day, 2);
+  detail::appendDigits(text, time.day, 2);
   text.push_back(' ');
-  appendDigits(text, time.hour, 2);
+  detail::appendDigits(text, time.hour, 2);
   text.push_back(':');
-  appendDigits(text, time.minute, 2);
+  detail::appendDigits(text, time.minute, 2);
   text += offset < 0 ? " -" : " +";
-  appendDigits(text, offsetMinutes / 60, 2);
+  detail::appendDigits(text, offsetMinutes / 60, 2);
   text.push_back(':');
-  appendDigits(text, offsetMinutes % 60, 2);
+  detail::appendDigits(text, offsetMinutes % 60, 2);
   return text;
 }
 

@@ -1,7 +1,12 @@
+#include <algorithm>
 #include <cmath>
+#include <optional>
+#include <string>
 
 #include "cardiolith/interop/fhir.hpp"
+#include "cardiolith/platform/civil_time.hpp"
 #include "cardiolith/platform/date_formatter.hpp"
+#include "interop/cell_text.hpp"
 #include "model/json_writer.hpp"
 
 namespace cardiolith::interop {
@@ -25,9 +30,44 @@ void quantity(JsonWriter& out, std::string_view code, std::string_view display, 
   out.raw("\"}}");
 }
 
+// "2025-01-12T08:12:00+01:00", with milliseconds when the instant has a fraction of a second. The digits
+// come from the same proleptic Gregorian arithmetic that the reader uses, so every date reads back as it
+// was written (ICU's formatter would switch to the Julian calendar before 1582). Nothing outside the years
+// 1-9999, which the caller then leaves to ICU.
+std::optional<std::string> effectiveDateTime(const LocalClock& clock, Date date) {
+  const auto wallTime = clock.wallTime(date);
+  if (!wallTime) return std::nullopt;
+  const auto& time = wallTime->time;
+  const int offset = wallTime->offsetSeconds;
+  const int offsetMinutes = (offset < 0 ? -offset : offset) / 60;
+  const double wholeSecond = std::floor(time.second);
+  std::string text;
+  detail::appendDigits(text, time.year, 4);
+  text.push_back('-');
+  detail::appendDigits(text, time.month, 2);
+  text.push_back('-');
+  detail::appendDigits(text, time.day, 2);
+  text.push_back('T');
+  detail::appendDigits(text, time.hour, 2);
+  text.push_back(':');
+  detail::appendDigits(text, time.minute, 2);
+  text.push_back(':');
+  detail::appendDigits(text, static_cast<int>(wholeSecond), 2);
+  if (time.second != wholeSecond) {
+    text.push_back('.');
+    detail::appendDigits(text, std::min(999, static_cast<int>((time.second - wholeSecond) * 1000.0)), 3);
+  }
+  text += offset < 0 ? "-" : "+";
+  detail::appendDigits(text, offsetMinutes / 60, 2);
+  text.push_back(':');
+  detail::appendDigits(text, offsetMinutes % 60, 2);
+  return text;
+}
+
 }  // namespace
 
 std::string encodeFhirBundle(const ReadingList& readings) {
+  const LocalClock clock;
   const DateFormatter wholeSeconds("yyyy-MM-dd'T'HH:mm:ssxxx", "en_US_POSIX");
   const DateFormatter milliseconds("yyyy-MM-dd'T'HH:mm:ss.SSSxxx", "en_US_POSIX");
   constexpr std::size_t kBytesPerReading = 1100;
@@ -51,7 +91,8 @@ std::string encodeFhirBundle(const ReadingList& readings) {
         R"("effectiveDateTime":")");
     const double seconds = reading.date().timeIntervalSince1970();
     const bool whole = std::floor(seconds) == seconds;
-    out.raw((whole ? wholeSeconds : milliseconds).string(reading.date()));
+    const auto written = effectiveDateTime(clock, reading.date());
+    out.raw(written ? *written : (whole ? wholeSeconds : milliseconds).string(reading.date()));
     out.raw(R"(",)");
     if (reading.notes() && !reading.notes()->empty()) {
       out.raw(R"("note":[{"text":)");

@@ -28,6 +28,26 @@ void appendDigits(std::string& out, int value, int width) {
   out.append(digits, static_cast<std::size_t>(width));
 }
 
+void appendDayAndMinute(std::string& out, const CivilTime& time, char between) {
+  appendDigits(out, time.year, 4);
+  out.push_back('-');
+  appendDigits(out, time.month, 2);
+  out.push_back('-');
+  appendDigits(out, time.day, 2);
+  out.push_back(between);
+  appendDigits(out, time.hour, 2);
+  out.push_back(':');
+  appendDigits(out, time.minute, 2);
+}
+
+void appendOffset(std::string& out, int offsetSeconds) {
+  const int minutes = (offsetSeconds < 0 ? -offsetSeconds : offsetSeconds) / 60;
+  out.push_back(offsetSeconds < 0 ? '-' : '+');
+  appendDigits(out, minutes / 60, 2);
+  out.push_back(':');
+  appendDigits(out, minutes % 60, 2);
+}
+
 std::string_view unguarded(std::string_view text) {
   if (text.starts_with('\'') && startsFormulaAfterApostrophes(text)) text.remove_prefix(1);
   return text;

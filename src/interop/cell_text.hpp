@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cardiolith/platform/civil_time.hpp"
+
 // The transformations the tool's own table applies to cell texts, each with its exact inverse.
 namespace cardiolith::interop::detail {
 
@@ -17,6 +19,10 @@ std::string guardedFromFormulas(std::string_view text);
 
 // Appends `value` (0 or more) as exactly `width` decimal digits (at most 8), zeros in front.
 void appendDigits(std::string& out, int value, int width);
+// Appends "2025-01-12" + `between` + "08:12": the day and the clock time to the minute.
+void appendDayAndMinute(std::string& out, const CivilTime& time, char between);
+// Appends an offset east of UTC to the minute: "+01:00", "-03:00".
+void appendOffset(std::string& out, int offsetSeconds);
 // The inverse: drops one leading apostrophe where guardedFromFormulas would have added it.
 std::string_view unguarded(std::string_view text);
 

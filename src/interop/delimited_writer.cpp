@@ -43,23 +43,10 @@ std::string dateCell(const LocalClock& clock, Date date) {
   const auto wallTime = clock.wallTime(date);
   std::string text;
   if (!wallTime) return text;
-  const auto& time = wallTime->time;
-  const int offset = wallTime->offsetSeconds;
-  const int offsetMinutes = (offset < 0 ? -offset : offset) / 60;
   text.reserve(23);
-  detail::appendDigits(text, time.year, 4);
-  text.push_back('-');
-  detail::appendDigits(text, time.month, 2);
-  text.push_back('-');
-  detail::appendDigits(text, time.day, 2);
+  detail::appendDayAndMinute(text, wallTime->time, ' ');
   text.push_back(' ');
-  detail::appendDigits(text, time.hour, 2);
-  text.push_back(':');
-  detail::appendDigits(text, time.minute, 2);
-  text += offset < 0 ? " -" : " +";
-  detail::appendDigits(text, offsetMinutes / 60, 2);
-  text.push_back(':');
-  detail::appendDigits(text, offsetMinutes % 60, 2);
+  detail::appendOffset(text, wallTime->offsetSeconds);
   return text;
 }
 

@@ -38,29 +38,16 @@ std::optional<std::string> effectiveDateTime(const LocalClock& clock, Date date)
   const auto wallTime = clock.wallTime(date);
   if (!wallTime) return std::nullopt;
   const auto& time = wallTime->time;
-  const int offset = wallTime->offsetSeconds;
-  const int offsetMinutes = (offset < 0 ? -offset : offset) / 60;
   const double wholeSecond = std::floor(time.second);
   std::string text;
-  detail::appendDigits(text, time.year, 4);
-  text.push_back('-');
-  detail::appendDigits(text, time.month, 2);
-  text.push_back('-');
-  detail::appendDigits(text, time.day, 2);
-  text.push_back('T');
-  detail::appendDigits(text, time.hour, 2);
-  text.push_back(':');
-  detail::appendDigits(text, time.minute, 2);
+  detail::appendDayAndMinute(text, time, 'T');
   text.push_back(':');
   detail::appendDigits(text, static_cast<int>(wholeSecond), 2);
   if (time.second != wholeSecond) {
     text.push_back('.');
     detail::appendDigits(text, std::min(999, static_cast<int>((time.second - wholeSecond) * 1000.0)), 3);
   }
-  text += offset < 0 ? "-" : "+";
-  detail::appendDigits(text, offsetMinutes / 60, 2);
-  text.push_back(':');
-  detail::appendDigits(text, offsetMinutes % 60, 2);
+  detail::appendOffset(text, wallTime->offsetSeconds);
   return text;
 }
 

@@ -113,9 +113,15 @@ TEST(DelimitedReader, BadRowsNameTheirLineAndWhatWasFound) {
   EXPECT_EQ(std::get<SkippedRecord>(items[2]).reason, "no pulse");
 }
 
-TEST(DelimitedReader, HeaderWithoutPressuresIsAnError) {
+TEST(DelimitedReader, HeaderWithoutPressuresAsksForTheColumns) {
   std::istringstream in("Datum,Oben,Unten\n2025-01-12,128,82\n");
-  EXPECT_THROW((void)readDelimited(in, {}), ImportError);
+  try {
+    (void)readDelimited(in, {});
+    FAIL() << "a header without pressures was read";
+  } catch (const ImportError& error) {
+    EXPECT_NE(std::string(error.what()).find("--columns date,time,systolic"), std::string::npos)
+        << error.what();
+  }
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // What needs no data folder: the default places for the log, and classify.
 
-#include <cstdio>
-
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {
@@ -56,13 +54,7 @@ TEST_F(InvocationTest, BashCompletionOffersCommandsOptionsAndValues) {
   for (const auto& [words, expected] : cases) {
     std::string command = "bash " + driver.string() + " " + script.string() + " cardiolith";
     for (const auto& word : words) command += " '" + word + "'";
-    std::string completed;
-    if (FILE* pipe = ::popen(command.c_str(), "r")) {
-      char buffer[256];
-      while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) completed += buffer;
-      ::pclose(pipe);
-    }
-    EXPECT_EQ(completed, expected + "\n") << command;
+    EXPECT_EQ(shellOutput(command), expected + "\n") << command;
   }
   EXPECT_THAT(succeed({"completion", "zsh"}), ::testing::StartsWith("#compdef cardiolith\n"));
   EXPECT_THAT(succeed({"completion", "fish"}),

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,7 +17,7 @@ using Category = BloodPressureAnalysis;
 TEST(CategoryTextTest, EveryCategoryHasItsNameKeyAndRule) {
   const struct {
     Category category;
-    const char *name, *key, *rule;
+    std::string_view name, key, rule;
   } cases[] = {
       {Category::low, "Low", "low", "systolic 89 or less and diastolic 59 or less"},
       {Category::normal, "Normal", "normal", "systolic 90-120 and diastolic 60-80"},

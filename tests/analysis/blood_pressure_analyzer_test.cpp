@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "cardiolith/analysis/blood_pressure_analysis.hpp"
+#include "cardiolith/analysis/plausibility.hpp"
 
 namespace cardiolith {
 namespace {
@@ -45,6 +46,9 @@ static_assert(noexcept(BloodPressureAnalyzer::result(0, 0)));
 static_assert(std::ranges::all_of(tellingPairs, [](const Pair& pair) {
   return BloodPressureAnalyzer::result(pair.systolic, pair.diastolic) == pair.expected;
 }));
+// The crisis range starts at 180 systolic or 120 diastolic, either alone.
+static_assert(!isHypertensiveCrisis(179, 119) && isHypertensiveCrisis(180, 80) &&
+              isHypertensiveCrisis(150, 120));
 
 TEST(BloodPressureAnalyzerTest, GivesTheFirstMatchingRowForEveryTellingPair) {
   constexpr const char* names[] = {"unreadable", "low", "normal", "elevated", "high", "veryHigh"};

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <tuple>
 
 #include "support/temporary_directory.hpp"
 
@@ -42,16 +43,8 @@ TEST(FileIOTest, FailuresNameThePathAndTheReason) {
   EXPECT_THROW(writeWholeFile(folder.path() / "no/such/folder/file", "x"), std::filesystem::filesystem_error);
 }
 
-std::error_code readFailure(const std::filesystem::path& path) {
-  try {
-    readWholeFile(path);
-  } catch (const std::filesystem::filesystem_error& error) {
-    return error.code();
-  }
-  return {};
-}
-
-// Each is refused before a byte is read: a FIFO without a writer would block, a device never ends.
+// Each is refused before a byte is read, with a reason the tool shows as it is: a FIFO without a writer would
+// block, a device never ends.
 TEST(FileIOTest, RefusesWhatIsNotARegularFileOrTooLarge) {
   testing::TemporaryDirectory folder;
   const auto fifo = folder.path() / "fifo", zeroLink = folder.path() / "zero", huge = folder.path() / "huge";
@@ -59,9 +52,19 @@ TEST(FileIOTest, RefusesWhatIsNotARegularFileOrTooLarge) {
   std::filesystem::create_symlink("/dev/zero", zeroLink);
   writeWholeFile(huge, "");
   std::filesystem::resize_file(huge, kMaximumFileSize + 1);  // sparse: takes no room
-  EXPECT_EQ(readFailure(fifo), std::errc::invalid_argument);
-  EXPECT_EQ(readFailure(zeroLink), std::errc::invalid_argument);
-  EXPECT_EQ(readFailure(huge), std::errc::file_too_large);
+  const std::tuple<std::filesystem::path, std::errc, const char*> cases[] = {
+      {fifo, std::errc::invalid_argument, "refusing to read what is not a regular file"},
+      {zeroLink, std::errc::invalid_argument, "refusing to read what is not a regular file"},
+      {huge, std::errc::file_too_large, "refusing to read a file larger than 1 GiB"}};
+  for (const auto& [path, code, reason] : cases) {
+    try {
+      readWholeFile(path);
+      ADD_FAILURE() << path << " was read";
+    } catch (const std::filesystem::filesystem_error& error) {
+      EXPECT_EQ(error.code(), std::make_error_code(code)) << path;
+      EXPECT_THAT(error.what(), ::testing::HasSubstr(reason)) << path;
+    }
+  }
 }
 
 TEST(FileIOTest, DurableReplaceWritesThroughASymbolicLinkAndKeepsIt) {

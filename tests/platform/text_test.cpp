@@ -100,12 +100,6 @@ TEST(TextTest, BlankMeansNothingVisible) {
   EXPECT_EQ(text::codePointCount("caf\u00E9\u200B"), 5u);
 }
 
-}  // namespace
-}  // namespace cardiolith
-
-namespace cardiolith {
-namespace {
-
 TEST(TextTest, CaseFoldingMatchesTitlesThatDifferOnlyInCase) {
   const struct {
     const char *a, *b;

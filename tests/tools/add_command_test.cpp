@@ -1,5 +1,3 @@
-#include <set>
-
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {
@@ -40,20 +38,6 @@ TEST_F(AddCommandTest, TakesTheTimeInTheLocalZone) {
   environment_["TZ"] = "Europe/Berlin";
   succeed({"add", "120/80/70", "--at", "2026-03-29 03:30"});  // the first hour after the clocks skip one
   EXPECT_EQ(listed()[0]["date"], "2026-03-29T03:30:00+02:00");
-}
-
-TEST_F(AddCommandTest, TwoHundredStartedAtOnceAllLand) {
-  std::vector<Arguments> adds;
-  for (int i = 0; i < 200; ++i)
-    adds.push_back({"add", std::to_string(100 + i % 100) + "/70/" + std::to_string(60 + i / 100), "--note",
-                    std::to_string(i)});
-  for (const auto& result : runAll(adds)) EXPECT_EQ(result.exitCode, 0) << result.err;
-
-  const auto readings = listed();
-  std::set<std::string> notes;
-  for (const auto& reading : readings) notes.insert(reading["notes"].get<std::string>());
-  EXPECT_EQ(readings.size(), 200u);
-  EXPECT_EQ(notes.size(), 200u) << "every add's own reading, none twice";
 }
 
 }  // namespace

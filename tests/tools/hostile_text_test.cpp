@@ -50,13 +50,12 @@ TEST_F(HostileTextTest, TagTitlesThatWouldNotShowAsTypedAreRefused) {
   };
   succeed({"tags", "add", "Clinic"});
   for (const auto& [title, reason] : titles) {
-    for (const Arguments& command :
-         {Arguments{"tags", "add", title}, Arguments{"tags", "rename", "Clinic", title}}) {
-      const auto result = run(command);
-      EXPECT_EQ(result.exitCode, 1) << command[1] << " " << reason;
-      EXPECT_THAT(result.err, HasSubstr(reason)) << command[1];
-    }
+    const auto result = run({"tags", "add", title});
+    EXPECT_EQ(result.exitCode, 1) << reason;
+    EXPECT_THAT(result.err, HasSubstr(reason));
   }
+  // A new name goes through the same check.
+  EXPECT_THAT(run({"tags", "rename", "Clinic", "two\nlines"}).err, HasSubstr("can't hold line breaks"));
   succeed({"tags", "add", std::string(100, 'x')});
 }
 
@@ -67,17 +66,12 @@ TEST_F(HostileTextTest, AnUnknownTagListsAtMostTwentyOthers) {
   EXPECT_THAT(result.err, HasSubstr("and 5 more (cardiolith tags lists them all)"));  // 10 defaults + 15
 }
 
+// The edges of the crisis range are checked with the classifier; here both commands give the advice.
 TEST_F(HostileTextTest, ACrisisReadingGetsAdviceWhenAddedOrClassified) {
   const std::string advice = "measure again after a few minutes; if it stays this high, seek medical help";
-  const std::vector<std::pair<std::string, bool>> readings{
-      {"179/119/70", false}, {"180/80/70", true}, {"150/120/70", true}, {"220/130", true}};
-  for (const auto& [reading, crisis] : readings) {
-    const auto classified = succeed({"classify", reading});
-    EXPECT_EQ(classified.find(advice) != std::string::npos, crisis) << reading;
-    if (reading.size() > 7) {
-      EXPECT_EQ(succeed({"add", reading}).find(advice) != std::string::npos, crisis) << reading;
-    }
-  }
+  EXPECT_THAT(succeed({"classify", "180/80"}), HasSubstr(advice));
+  EXPECT_THAT(succeed({"add", "150/120/70"}), HasSubstr(advice));
+  EXPECT_THAT(succeed({"add", "179/119/70"}), Not(HasSubstr(advice)));
   EXPECT_THAT(succeed({"classify", "120/80/71"}), ::testing::StartsWith("120/80 mmHg, pulse 71: Normal"));
 }
 

@@ -104,11 +104,6 @@ TEST_F(ImportCommandTest, RefusesWhatItCannotRead) {
     Arguments options;
     const char* message;
   } cases[] = {
-      {"ambiguous.csv",
-       "Date,Sys,Dia,Pulse\n01/02/2025,128,82,71\n",
-       {},
-       "line 2: the date \"01/02/2025\" could be"},
-      {"foreign.csv", "Datum,Oben,Unten\n2025-01-12,128,82\n", {}, "--columns"},
       {"broken.json", "{\"readings\":[{\"id\":1}]}", {}, "readings[0].id"},
       {"pattern.csv",
        "Date,Sys,Dia,Pulse\n2025-01-12,128,82,71\n",

@@ -1,6 +1,7 @@
 // Every kind of refusal, one command each: the exit status (1 for a refused request, 2 for a usage error), a
 // message on standard error that says why, nothing on standard output, and the log's files as they were.
-// The texts each input refuses are unit-tested in cli/.
+// The forms each input refuses are unit-tested in cli/ and --out in output_safety_test; one row per command
+// and kind of input here proves that the command reaches those checks.
 
 #include <ostream>
 
@@ -52,7 +53,6 @@ TEST_P(RefusalTest, ExplainsAndChangesNothing) {
 
 const std::string kNotAReading = " is not a blood-pressure reading; write systolic/diastolic";
 const std::string kReversed = "the range ends before it starts";
-const std::string kOverTheLog = "won't write over {data}/readings";
 const std::string kUnreadableLog = "can't read the readings file {data}/readings: invalid JSON";
 const std::string kUnreadableTags =
     "can't change the tags while the tags file {data}/tags can't be read; nothing was changed";
@@ -81,18 +81,9 @@ INSTANTIATE_TEST_SUITE_P(
         {"AddBelowEveryRange", {"add", "39/19", "-p", "19"}, 1, kBelowEveryRange},
         {"AddEqualPressures", {"add", "100/100", "-p", "70"}, 1, "is not below the systolic pressure 100"},
         {"AddFutureDate", {"add", "120/80", "-p", "70", "--at", "2099-01-01 8:00"}, 1, "is in the future"},
-        {"AddBefore1900",
-         {"add", "120/80/70", "--at", "1899-12-31 23:00"},
-         1,
-         "is before 1900; check the year"},
-        {"AddDayAlone",
-         {"add", "120/80/70", "--at", "2026-11-20"},
-         1,
-         "\"2026-11-20\" is a day without a time"},
         {"AddRepeatedHour", {"add", "120/80/70", "--at", "2026-10-25 2:30"}, 1, kRepeatedHour},
         {"AddDuplicate", {"add", "120/80/60", "--at", "2001-01-01 1:00"}, 1, kDuplicate},
         {"AddHexPulse", {"add", "120/80", "-p", "0x47"}, 2, "--pulse: \"0x47\" is not a whole number"},
-        {"SummaryHexDays", {"summary", "--days", "0x7"}, 2, "\"0x7\" is not a whole number"},
         {"EditUnknownId", {"edit", "oldy", "130/80"}, 1, "no reading has an id starting with \"oldy\""},
         {"EditShortId", {"edit", "ol", "130/80"}, 1, "\"ol\" is too short for an id"},
         {"EditNothing", {"edit", "old"}, 1, "nothing to change; give new values"},
@@ -102,8 +93,6 @@ INSTANTIATE_TEST_SUITE_P(
         {"UndoNothing", {"undo"}, 1, "there is nothing to undo"},
         {"ListUnknownTag", {"list", "--tag", "Moring"}, 1, kUnknownTag},
         {"AddUnknownTag", {"add", "120/80/70", "--tag", "Moring"}, 1, kUnknownTag},
-        {"AddDots", {"add", "120/80/70", "--at", "20.11.2026"}, 1, "--at: \"20.11.2026\" is not a date"},
-        {"AddSkippedTime", {"add", "120/80/70", "--at", "2026-03-29 02:30"}, 1, "does not exist in the"},
         {"ListBadFrom", {"list", "--from", "yesterdy"}, 1, "--from: \"yesterdy\" is not a date"},
         {"ListBadSpan", {"list", "--last", "7x"}, 1, "--last: \"7x\" is not a span of days"},
         {"ListReversed", {"list", "--from", "2026-11-20", "--to", "2026-11-19"}, 1, kReversed},
@@ -116,19 +105,13 @@ INSTANTIATE_TEST_SUITE_P(
          {"summary", "--from", "9999-01-01"},
          1,
          "--from: 9999-01-01 is in the future, and the period runs from it to now; give a day before today"},
-        {"ClassifyFourNumbers", {"classify", "135/95/70/1"}, 1, kNotAReading},
         {"ClassifyNegative", {"classify", "135/-95"}, 1, kNotAReading},
-        {"ExportUnknownFormat", {"export", "--format", "xlsx"}, 2, "--format"},
-        {"ExportIntoNoFolder", {"export", "--out", "{data}/no/x.csv"}, 1, "couldn't write {data}/no/x.csv"},
-        {"ExportOverTheLog", {"export", "--out", "{data}/./readings"}, 1, kOverTheLog},
         {"ChartOverTheLog",
          {"chart", "--days", "9999", "--out", "{data}/./readings"},
          1,
          "end it in .svg, .png or .pdf"},
-        {"ReportOverTheLog", {"report", "-o", "{data}/./readings"}, 1, kOverTheLog},
         {"ChartEmptyPeriod", {"chart", "--out", "{data}/chart.svg"}, 1, "no readings in that period ("},
         {"SampleOverALog", {"sample"}, 1, "already holds 1 readings, and sample readings would mix"},
-        {"SampleNone", {"sample", "--count", "0"}, 2, "--count"},
         {"SampleNoVariance", {"sample", "--variance", "0"}, 2, "--variance"},
         {"TagsTakenInOtherCase", {"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
         {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that shows something"},

@@ -35,12 +35,6 @@ TEST_F(TagsCommandTest, ReadingsKeepTheirTagThroughARenameAndThemselvesThroughAD
   EXPECT_THAT(succeed({"tags"}), MatchesRegex(".*\nmorning +#af52de\n.*"));
 }
 
-}  // namespace
-}  // namespace cardiolith::tool::testing
-
-namespace cardiolith::tool::testing {
-namespace {
-
 TEST_F(TagsCommandTest, DeletingTheLastTagSaysTheDefaultsComeBackAndTitlesSortByLocale) {
   writeFile(tagsFile_,
             R"([{"id":"0F2B6A4C-1B7E-4C1A-9E55-2B7A1C9D3E01","title":"Clinic","colorHex":"34c759"}])");

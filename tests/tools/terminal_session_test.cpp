@@ -30,21 +30,15 @@ class TerminalSessionTest : public ToolTest {
 
   // Runs the tool on a pseudo-terminal `columns` wide and returns what it showed.
   std::string onTerminal(const Arguments& arguments, unsigned short columns = 80) {
-    std::vector<std::string> argv{CARDIOLITH_TOOL_PATH, "--data-dir", data_.string()}, envp;
-    argv.insert(argv.end(), arguments.begin(), arguments.end());
-    for (const auto& [name, value] : environment_) envp.push_back(name + "=" + value);
-    std::vector<char*> args, env;
-    for (auto& text : argv) args.push_back(text.data());
-    for (auto& text : envp) env.push_back(text.data());
-    args.push_back(nullptr);
-    env.push_back(nullptr);
+    auto argv = commandLine(arguments), envp = environmentList();
+    auto args = execPointers(argv), env = execPointers(envp);
     struct winsize size {};
     size.ws_row = 40;
     size.ws_col = columns;
     int terminal = -1;
     const pid_t pid = ::forkpty(&terminal, nullptr, nullptr, &size);
     if (pid == 0) {
-      ::execve(args[0], args.data(), env.data());
+      ::execve(program_.c_str(), args.data(), env.data());
       ::_exit(127);
     }
     EXPECT_GT(pid, 0);

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -25,21 +26,32 @@ ToolTest::ToolTest() {
   }
 }
 
-std::vector<ToolResult> ToolTest::runAll(const std::vector<Arguments>& runs, bool withDataDir) {
-  const auto pointers = [](std::vector<std::string>& texts) {  // as the exec functions take them
-    std::vector<char*> result;
-    for (auto& text : texts) result.push_back(text.data());
-    result.push_back(nullptr);
-    return result;
-  };
+Arguments ToolTest::commandLine(const Arguments& arguments, bool withDataDir) const {
+  Arguments argv{argv0_.value_or(program_)};
+  if (withDataDir) argv.insert(argv.end(), {"--data-dir", data_.string()});
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
+  return argv;
+}
+
+std::vector<std::string> ToolTest::environmentList() const {
   std::vector<std::string> envp;
   for (const auto& [name, value] : environment_) envp.push_back(name + "=" + value);
-  auto envPointers = pointers(envp);
+  return envp;
+}
+
+std::vector<char*> execPointers(std::vector<std::string>& texts) {
+  std::vector<char*> result;
+  for (auto& text : texts) result.push_back(text.data());
+  result.push_back(nullptr);
+  return result;
+}
+
+std::vector<ToolResult> ToolTest::runAll(const std::vector<Arguments>& runs, bool withDataDir) {
+  auto envp = environmentList();
+  auto envPointers = execPointers(envp);
   std::vector<std::pair<pid_t, std::string>> started;  // each run's process and the stem of its output files
   for (const auto& arguments : runs) {
-    Arguments argv{argv0_.value_or(program_)};
-    if (withDataDir) argv.insert(argv.end(), {"--data-dir", data_.string()});
-    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    auto argv = commandLine(arguments, withDataDir);
     const std::string output = (root_ / ("process-" + std::to_string(processes_++))).string();
     const std::string out = output + ".out", err = output + ".err";
     posix_spawn_file_actions_t actions;
@@ -49,7 +61,7 @@ std::vector<ToolResult> ToolTest::runAll(const std::vector<Arguments>& runs, boo
                                      0644);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
                                      0644);
-    auto argPointers = pointers(argv);
+    auto argPointers = execPointers(argv);
     pid_t pid = -1;
     const int error =
         posix_spawn(&pid, program_.c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
@@ -79,6 +91,19 @@ nlohmann::json ToolTest::listed(const Arguments& options) {
   Arguments arguments{"list", "--json"};
   arguments.insert(arguments.end(), options.begin(), options.end());
   return nlohmann::json::parse(succeed(arguments))["readings"];
+}
+
+std::string shellOutput(const std::string& command) {
+  std::string text;
+  FILE* pipe = ::popen(command.c_str(), "r");
+  if (!pipe) {
+    ADD_FAILURE() << "can't run " << command;
+    return text;
+  }
+  char buffer[4096];
+  for (std::size_t read; (read = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, read);
+  EXPECT_EQ(::pclose(pipe), 0) << command << ": " << text;
+  return text;
 }
 
 std::string readFile(const std::filesystem::path& path) {

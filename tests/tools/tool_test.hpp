@@ -36,6 +36,9 @@ class ToolTest : public ::testing::Test {
   ToolResult run(const Arguments& arguments, bool withDataDir = true) {
     return runAll({arguments}, withDataDir).front();
   }
+  // The argument vector and the environment of a run, as the exec functions take them (see execPointers).
+  Arguments commandLine(const Arguments& arguments, bool withDataDir = true) const;
+  std::vector<std::string> environmentList() const;
   // Runs the tool, expects success and returns standard output.
   std::string succeed(const Arguments& arguments);
   // The readings of `list --json` with these options.
@@ -50,6 +53,10 @@ class ToolTest : public ::testing::Test {
   int processes_ = 0;                           // names each run's captured output
 };
 
+// What a shell command wrote to standard output; the test fails unless it exits with status 0.
+std::string shellOutput(const std::string& command);
+// Pointers to the texts, ending in a null pointer; valid while the texts are.
+std::vector<char*> execPointers(std::vector<std::string>& texts);
 std::string readFile(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& text);
 // The lines of a text, without their line ends.

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -13,11 +14,24 @@ namespace {
 
 using Category = BloodPressureAnalysis;
 
-TEST(CategoryTextTest, RulesSpellOutTheTableRows) {
-  EXPECT_EQ(categoryRule(Category::normal), "systolic 90-120 and diastolic 60-80");
-  EXPECT_EQ(categoryRule(Category::high), "systolic 130-139, or diastolic 81-89");
-  EXPECT_EQ(categoryRule(Category::veryHigh), "systolic 140 or more, or diastolic 90 or more");
-  EXPECT_EQ(categoryRule(Category::unreadable), "no row of the category table holds this pair");
+TEST(CategoryTextTest, EveryCategoryHasItsNameKeyAndRule) {
+  const struct {
+    Category category;
+    std::string_view name, key, rule;
+  } cases[] = {
+      {Category::low, "Low", "low", "systolic 89 or less and diastolic 59 or less"},
+      {Category::normal, "Normal", "normal", "systolic 90-120 and diastolic 60-80"},
+      {Category::elevated, "Elevated", "elevated", "systolic 120-129 and diastolic 80 or less"},
+      {Category::high, "High", "high", "systolic 130-139, or diastolic 81-89"},
+      {Category::veryHigh, "Very high", "veryHigh", "systolic 140 or more, or diastolic 90 or more"},
+      {Category::unreadable, "No category (outside the table)", "unreadable",
+       "no row of the category table holds this pair"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(categoryName(c.category), c.name);
+    EXPECT_EQ(categoryKey(c.category), c.key);
+    EXPECT_EQ(categoryRule(c.category), c.rule);
+  }
 }
 
 TEST(CategoryTextTest, APairOutsideTheTableIsToldWhichRowItMissed) {

@@ -10,6 +10,7 @@
 #include <random>
 
 #include "../../support/temporary_directory.hpp"
+#include "../../support/test_seed.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -62,10 +63,7 @@ std::string edited(const std::string& text, std::mt19937_64& random) {
 }
 
 TEST_F(ChangeHistoryTest, RandomChangesUndoneGiveBackTheFilesByteForByte) {
-  const auto seed = std::random_device{}();
-  std::cout << "seed " << seed << '\n';
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  std::mt19937_64 random(seed);
+  auto random = cardiolith::testing::seededGenerator();
   for (int round = 0; round < 20; ++round) {
     const std::size_t count =
         std::uniform_int_distribution<std::size_t>(1, ChangeHistory::keptChanges)(random);

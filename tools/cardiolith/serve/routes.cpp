@@ -5,18 +5,27 @@
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <charconv>
 #include <cmath>
+#include <memory>
 #include <optional>
+#include <set>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "commands/add_reading.hpp"
+#include "commands/delete_readings.hpp"
+#include "commands/edit_reading.hpp"
+#include "commands/undo_change.hpp"
 #include "input/date_input.hpp"
 #include "input/period_options.hpp"
+#include "log/change_history.hpp"
 #include "log/tag_list.hpp"
 #include "render/cairo_output.hpp"
 #include "render/home_report.hpp"
 #include "render/json_writer.hpp"
 #include "render/log_json.hpp"
 #include "render/period_chart.hpp"
+#include "serve/api_answers.hpp"
 #include "serve/reading_request.hpp"
 #include "serve/request_guard.hpp"
 #include "serve/web_assets.hpp"
@@ -25,7 +34,6 @@
 namespace cardiolith::tool::serve {
 namespace {
 
-constexpr const char* jsonType = "application/json; charset=utf-8";
 constexpr const char* tokenHeader = "X-Cardiolith-Token";
 constexpr std::string_view tokenPlaceholder = "{{TOKEN}}";
 
@@ -35,37 +43,12 @@ std::optional<std::string_view> header(const httplib::Request& request, const ch
   return std::string_view(headers.find(name)->second);
 }
 
-std::string errorJson(std::string_view message) {
-  std::ostringstream out;
-  JsonWriter(out).beginObject().key("error").string(message).endObject();
-  return out.str();
-}
-
-void answerError(httplib::Response& response, int status, std::string_view message) {
-  response.status = status;
-  response.set_content(errorJson(message), jsonType);
-}
-
 void setSecurityHeaders(httplib::Response& response) {
   response.set_header("Content-Security-Policy",
                       "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
                       "connect-src 'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
   response.set_header("X-Content-Type-Options", "nosniff");
   response.set_header("Referrer-Policy", "no-referrer");
-}
-
-std::optional<std::string> parameter(const httplib::Request& request, const char* name) {
-  if (!request.has_param(name)) return std::nullopt;
-  return request.get_param_value(name);
-}
-
-// The period options of a query: from, to and last as `list --from/--to/--last` read them.
-PeriodOptions periodOptionsOf(const httplib::Request& request) {
-  PeriodOptions options;
-  options.from = parameter(request, "from");
-  options.to = parameter(request, "to");
-  options.last = parameter(request, "last");
-  return options;
 }
 
 // The period of a query as `list` chooses it; no parameters: everything.
@@ -112,12 +95,63 @@ void listTags(const ServeContext& context, httplib::Response& response) {
   response.set_content(out.str(), jsonType);
 }
 
-void addFromBody(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
-  const AddedReading added = addReading(context.folder, parseNewReading(request.body));
+// The reading as `list --json` writes it, alone in its list.
+void answerReading(const ServeContext& context, const std::shared_ptr<Reading>& reading,
+                   httplib::Response& response) {
   const TagList tags(context.folder);
   std::ostringstream out;
-  writeReadingsJson(out, {added.reading}, tags);
+  writeReadingsJson(out, {reading}, tags);
+  response.set_content(out.str(), jsonType);
+}
+
+// Each change of the page is one step of the undo history, named by the command line that makes it.
+void startChange(const std::vector<std::string>& command) {
+  ChangeHistory::startChange(retypableCommandLine(command));
+}
+
+void addFromBody(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
+  const PageAddition addition = parseNewReading(request.body);
+  startChange(addition.command);
+  answerReading(context, addReading(context.folder, addition.reading).reading, response);
   response.status = 201;
+}
+
+// The page sends every tag the reading is to carry; `edit` adds some and removes others.
+void resolveTagSet(const ServeContext& context, PageEdit& page) {
+  if (!page.tags) return;
+  const TagList tags(context.folder);
+  std::set<UUID> kept;
+  for (const auto& title : *page.tags) kept.insert(tags.find(title).id);
+  page.edit.tags = *page.tags;
+  for (const auto& tag : tags.manager().tags()) {
+    if (!kept.contains(tag.id)) page.edit.untags.push_back(tag.title);
+  }
+}
+
+void editFromBody(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
+  PageEdit page = parseReadingEdit(request.matches[1].str(), request.body);
+  resolveTagSet(context, page);
+  startChange(page.command);
+  answerReading(context, editReading(context.folder, page.edit).reading, response);
+}
+
+void deleteReading(const ServeContext& context, const httplib::Request& request,
+                   httplib::Response& response) {
+  const std::string id = request.matches[1].str();
+  startChange({"delete", id});
+  const auto deleted = deleteReadings(context.folder, {id});
+  std::ostringstream out;
+  JsonWriter(out).beginObject().key("message").string(deleted.front()).endObject();
+  response.set_content(out.str(), jsonType);
+}
+
+void undoLast(const ServeContext& context, httplib::Response& response) {
+  const UndoneChange undone = undoLastChange(context.folder);
+  std::ostringstream out;
+  JsonWriter json(out);
+  json.beginObject().key("undid").string(undone.commandLine).key("changes").beginArray();
+  for (const auto& line : undone.changes) json.string(line);
+  json.endArray().endObject();
   response.set_content(out.str(), jsonType);
 }
 
@@ -158,23 +192,6 @@ void printableReport(const ServeContext& context, const httplib::Request& reques
                       "default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
                       "form-action 'none'; frame-ancestors 'none'");
   response.set_content(reportHtml(report), "text/html; charset=utf-8");
-}
-
-// Runs an API handler under the log's mutex, with answers never cached, and turns the refusals of the
-// shared command code into 4xx answers carrying its message.
-template <typename Handler>
-httplib::Server::Handler api(ServeContext& context, Handler handler) {
-  return [&context, handler](const httplib::Request& request, httplib::Response& response) {
-    response.set_header("Cache-Control", "no-store");
-    try {
-      const std::lock_guard hold(context.logAccess);
-      handler(request, response);
-    } catch (const MalformedRequest& error) {
-      answerError(response, 400, error.what());
-    } catch (const ToolError& error) {
-      answerError(response, 422, error.what());
-    }
-  };
 }
 
 void serveAsset(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
@@ -225,23 +242,33 @@ void installRoutes(httplib::Server& server, ServeContext& context) {
         answerError(response, 500, message);
       });
 
-  server.Get("/api/readings", api(context, [&context](const auto& request, auto& response) {
+  server.Get("/api/readings", api(context.logAccess, [&context](const auto& request, auto& response) {
                listReadings(context, request, response);
              }));
-  server.Post("/api/readings", api(context, [&context](const auto& request, auto& response) {
+  server.Post("/api/readings", api(context.logAccess, [&context](const auto& request, auto& response) {
                 addFromBody(context, request, response);
               }));
-  server.Get("/api/summary", api(context, [&context](const auto& request, auto& response) {
+  // An id is a reading's UUID, or a unique start of it of at least four characters, as `edit` takes it.
+  constexpr const char* oneReading = R"(/api/readings/([0-9A-Za-z-]+))";
+  server.Patch(oneReading, api(context.logAccess, [&context](const auto& request, auto& response) {
+                 editFromBody(context, request, response);
+               }));
+  server.Delete(oneReading, api(context.logAccess, [&context](const auto& request, auto& response) {
+                  deleteReading(context, request, response);
+                }));
+  server.Post("/api/undo", api(context.logAccess,
+                               [&context](const auto&, auto& response) { undoLast(context, response); }));
+  server.Get("/api/summary", api(context.logAccess, [&context](const auto& request, auto& response) {
                summarise(context, request, response);
              }));
-  server.Get("/api/chart.svg", api(context, [&context](const auto& request, auto& response) {
+  server.Get("/api/chart.svg", api(context.logAccess, [&context](const auto& request, auto& response) {
                chartPicture(context, request, response);
              }));
-  server.Get("/report", api(context, [&context](const auto& request, auto& response) {
+  server.Get("/report", api(context.logAccess, [&context](const auto& request, auto& response) {
                printableReport(context, request, response);
              }));
-  server.Get("/api/tags",
-             api(context, [&context](const auto&, auto& response) { listTags(context, response); }));
+  server.Get("/api/tags", api(context.logAccess,
+                              [&context](const auto&, auto& response) { listTags(context, response); }));
   for (const char* path : {"/", "/app.js", "/style.css"}) {
     server.Get(path, [&context](const httplib::Request& request, httplib::Response& response) {
       serveAsset(context, request, response);

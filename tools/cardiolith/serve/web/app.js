@@ -76,6 +76,7 @@ function reportQuery() {
 
 function renderReadings(readings) {
   const body = document.querySelector("#reading-table tbody");
+  closeEdit();
   body.replaceChildren();
   for (const reading of readings) {
     const row = document.createElement("tr");
@@ -88,7 +89,126 @@ function renderReadings(readings) {
     row.append(category);
     row.append(cell("Tags", reading.tags.join(", ")));
     row.append(cell("Note", reading.notes || "", "note"));
+    row.append(changeCell(reading));
     body.append(row);
+  }
+}
+
+// The Edit and Delete buttons of a row, named with the reading so that a screen reader tells them apart.
+function changeCell(reading) {
+  const node = cell("Change", undefined, "change");
+  const what = `the reading of ${shownDate(reading.date)}, ${reading.systolic}/${reading.diastolic}`;
+  const edit = element("button", "Edit", "secondary edit");
+  edit.type = "button";
+  edit.setAttribute("aria-label", `Edit ${what}`);
+  edit.addEventListener("click", () => openEdit(reading, edit.closest("tr")));
+  const remove = element("button", "Delete", "secondary delete");
+  remove.type = "button";
+  remove.setAttribute("aria-label", `Delete ${what}`);
+  remove.addEventListener("click", () => deleteReading(reading));
+  node.append(edit, remove);
+  return node;
+}
+
+function changeMessage(text) {
+  document.getElementById("change-message").textContent = text;
+}
+
+function focusEditButton(id) {
+  const button = document.querySelector(`#reading-table tr[data-id="${CSS.escape(id)}"] button.edit`);
+  (button || document.getElementById("undo-button")).focus();
+}
+
+// The edit form opens in a row of its own under the reading, filled with its values.
+let editing = null;
+
+function openEdit(reading, row) {
+  closeEdit();
+  editing = reading;
+  const form = document.getElementById("edit-form");
+  form.reset();
+  document.getElementById("edit-message").textContent = "";
+  document.getElementById("edit-heading").textContent = `Edit the reading of ${shownDate(reading.date)}`;
+  form.systolic.value = reading.systolic;
+  form.diastolic.value = reading.diastolic;
+  form.pulse.value = reading.pulse;
+  form.at.value = localDateTime(new Date(reading.date));
+  form.note.value = reading.notes || "";
+  for (const box of form.querySelectorAll('input[name="tag"]')) box.checked = reading.tags.includes(box.value);
+  const formRow = element("tr", undefined, "editing");
+  const formCell = element("td");
+  formCell.colSpan = row.children.length;
+  formCell.append(form);
+  formRow.append(formCell);
+  row.after(formRow);
+  form.systolic.focus();
+}
+
+function closeEdit() {
+  const form = document.getElementById("edit-form");
+  const formRow = form.closest("tr");
+  document.getElementById("edit-holder").append(form);
+  if (formRow) formRow.remove();
+  editing = null;
+}
+
+function cancelEdit() {
+  const id = editing && editing.id;
+  closeEdit();
+  if (id) focusEditButton(id);
+}
+
+function checkedTags(form) {
+  return [...form.querySelectorAll('input[name="tag"]:checked')].map((box) => box.value);
+}
+
+async function saveEdit(event) {
+  event.preventDefault();
+  const form = event.target;
+  const reading = editing;
+  const message = document.getElementById("edit-message");
+  message.textContent = "";
+  const change = {
+    systolic: wholeNumber(form.systolic.value),
+    diastolic: wholeNumber(form.diastolic.value),
+    pulse: wholeNumber(form.pulse.value),
+    note: form.note.value,
+    tags: checkedTags(form),
+    force: form.force.checked,
+  };
+  // The page shows minutes; an untouched date keeps its seconds.
+  if (form.at.value !== localDateTime(new Date(reading.date))) change.at = form.at.value.replace("T", " ");
+  try {
+    await api(`/api/readings/${encodeURIComponent(reading.id)}`, { method: "PATCH", body: JSON.stringify(change) });
+    closeEdit();
+    await refresh();
+    changeMessage("Saved.");
+    focusEditButton(reading.id);
+  } catch (error) {
+    message.textContent = error.message;
+  }
+}
+
+async function deleteReading(reading) {
+  closeEdit();
+  try {
+    const answer = await api(`/api/readings/${encodeURIComponent(reading.id)}`, { method: "DELETE" });
+    await refresh();
+    changeMessage(`${answer.message}. Undo brings it back.`);
+  } catch (error) {
+    changeMessage(error.message);
+  }
+  document.getElementById("undo-button").focus();
+}
+
+async function undoLastChange() {
+  closeEdit();
+  try {
+    const answer = await api("/api/undo", { method: "POST" });
+    await refresh();
+    changeMessage([`Undid: ${answer.undid}`, ...answer.changes].join("\n"));
+  } catch (error) {
+    changeMessage(error.message);
   }
 }
 
@@ -140,9 +260,13 @@ async function refresh() {
   }
 }
 
+// A checkbox per tag, labelled with its title, in the add and the edit form.
 async function loadTags() {
-  const fieldset = document.getElementById("tag-choices");
   const { tags } = await api("/api/tags");
+  for (const fieldset of document.querySelectorAll(".tag-choices")) fillTagChoices(fieldset, tags);
+}
+
+function fillTagChoices(fieldset, tags) {
   for (const title of tags) {
     const label = element("label", undefined, "check");
     const box = document.createElement("input");
@@ -169,7 +293,7 @@ async function addReading(event) {
     pulse: wholeNumber(form.pulse.value),
     at: form.at.value.replace("T", " "),
     note: form.note.value,
-    tags: [...form.querySelectorAll('input[name="tag"]:checked')].map((box) => box.value),
+    tags: checkedTags(form),
     force: form.force.checked,
   };
   try {
@@ -187,6 +311,12 @@ document.addEventListener("DOMContentLoaded", () => {
   const form = document.getElementById("add-form");
   form.at.value = localDateTime(new Date());
   form.addEventListener("submit", addReading);
+  document.getElementById("edit-form").addEventListener("submit", saveEdit);
+  document.getElementById("edit-cancel").addEventListener("click", cancelEdit);
+  document.getElementById("edit-form").addEventListener("keydown", (event) => {
+    if (event.key === "Escape") cancelEdit();
+  });
+  document.getElementById("undo-button").addEventListener("click", undoLastChange);
   document.getElementById("period-form").addEventListener("submit", (event) => {
     event.preventDefault();
     refresh();

@@ -9,6 +9,7 @@
 
 #include "input/period_options.hpp"
 #include "serve/reading_request.hpp"
+#include "serve/routes.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool::serve {
@@ -48,6 +49,30 @@ httplib::Server::Handler api(std::mutex& logAccess, Handler handler) {
     answering(response, [&] {
       const std::lock_guard hold(logAccess);
       handler(request, response);
+    });
+  };
+}
+
+// An API handler that takes a JSON body: the body is read as it arrives and refused with 413 past
+// maxBodyBytes, whatever the request said of its length, then `handler(request, body, response)` runs as
+// api() runs handlers.
+template <typename Handler>
+httplib::Server::HandlerWithContentReader withSmallBody(std::mutex& logAccess, Handler handler) {
+  return [&logAccess, handler](const httplib::Request& request, httplib::Response& response,
+                               const httplib::ContentReader& reader) {
+    std::string body;
+    const bool whole = reader([&body](const char* data, std::size_t size) {
+      if (size > maxBodyBytes - body.size()) return false;
+      body.append(data, size);
+      return true;
+    });
+    if (!whole) {
+      response.set_header("Connection", "close");
+      return answerError(response, 413, "the request body is too large");
+    }
+    answering(response, [&] {
+      const std::lock_guard hold(logAccess);
+      handler(request, body, response);
     });
   };
 }

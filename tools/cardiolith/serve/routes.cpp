@@ -15,6 +15,7 @@
 #include "commands/add_reading.hpp"
 #include "commands/delete_readings.hpp"
 #include "commands/edit_reading.hpp"
+#include "commands/import_readings.hpp"
 #include "commands/undo_change.hpp"
 #include "input/date_input.hpp"
 #include "input/period_options.hpp"
@@ -28,6 +29,7 @@
 #include "serve/api_answers.hpp"
 #include "serve/reading_request.hpp"
 #include "serve/request_guard.hpp"
+#include "serve/transfer_routes.hpp"
 #include "serve/web_assets.hpp"
 #include "tool_error.hpp"
 
@@ -109,8 +111,8 @@ void startChange(const std::vector<std::string>& command) {
   ChangeHistory::startChange(retypableCommandLine(command));
 }
 
-void addFromBody(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
-  const PageAddition addition = parseNewReading(request.body);
+void addFromBody(const ServeContext& context, const std::string& body, httplib::Response& response) {
+  const PageAddition addition = parseNewReading(body);
   startChange(addition.command);
   answerReading(context, addReading(context.folder, addition.reading).reading, response);
   response.status = 201;
@@ -128,8 +130,9 @@ void resolveTagSet(const ServeContext& context, PageEdit& page) {
   }
 }
 
-void editFromBody(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
-  PageEdit page = parseReadingEdit(request.matches[1].str(), request.body);
+void editFromBody(const ServeContext& context, const httplib::Request& request, const std::string& body,
+                  httplib::Response& response) {
+  PageEdit page = parseReadingEdit(request.matches[1].str(), body);
   resolveTagSet(context, page);
   startChange(page.command);
   answerReading(context, editReading(context.folder, page.edit).reading, response);
@@ -205,16 +208,34 @@ void serveAsset(const ServeContext& context, const httplib::Request& request, ht
   response.set_content(body, std::string(asset->contentType));
 }
 
+// Why a request's body is refused before it is read, or nullopt. The server's own limit is the upload's,
+// which only the import route may use; every other route takes small JSON at most. A body without a
+// length (chunked) is held to maxBodyBytes as it is read, by withSmallBody.
+std::optional<Refusal> bodyRefusal(const httplib::Request& request) {
+  if (request.path == importPath) return std::nullopt;
+  const auto length = header(request, "Content-Length");
+  if (!length) return std::nullopt;
+  std::size_t bytes = 0;
+  const auto [end, error] = std::from_chars(length->data(), length->data() + length->size(), bytes);
+  if (error != std::errc{} || end != length->data() + length->size() || bytes > maxBodyBytes)
+    return Refusal{413, "the request body is too large"};
+  return std::nullopt;
+}
+
 }  // namespace
 
 void installRoutes(httplib::Server& server, ServeContext& context) {
-  server.set_payload_max_length(maxBodyBytes);
+  server.set_payload_max_length(maxImportFileBytes);
   server.set_pre_routing_handler([&context](const httplib::Request& request, httplib::Response& response) {
     setSecurityHeaders(response);
     const RequestFacts facts{request.method, header(request, "Host"), header(request, "Origin"),
                              header(request, tokenHeader)};
-    if (const auto refusal = refusalOf(facts, context.port, context.token)) {
+    auto refusal = refusalOf(facts, context.port, context.token);
+    if (!refusal) refusal = bodyRefusal(request);
+    if (refusal) {
       answerError(response, refusal->status, refusal->message);
+      // The body, if any, stays unread: the connection can't carry another request.
+      response.set_header("Connection", "close");
       return httplib::Server::HandlerResponse::Handled;
     }
     return httplib::Server::HandlerResponse::Unhandled;
@@ -245,14 +266,16 @@ void installRoutes(httplib::Server& server, ServeContext& context) {
   server.Get("/api/readings", api(context.logAccess, [&context](const auto& request, auto& response) {
                listReadings(context, request, response);
              }));
-  server.Post("/api/readings", api(context.logAccess, [&context](const auto& request, auto& response) {
-                addFromBody(context, request, response);
+  server.Post("/api/readings",
+              withSmallBody(context.logAccess, [&context](const auto&, const auto& body, auto& response) {
+                addFromBody(context, body, response);
               }));
   // An id is a reading's UUID, or a unique start of it of at least four characters, as `edit` takes it.
   constexpr const char* oneReading = R"(/api/readings/([0-9A-Za-z-]+))";
-  server.Patch(oneReading, api(context.logAccess, [&context](const auto& request, auto& response) {
-                 editFromBody(context, request, response);
-               }));
+  server.Patch(oneReading, withSmallBody(context.logAccess,
+                                         [&context](const auto& request, const auto& body, auto& response) {
+                                           editFromBody(context, request, body, response);
+                                         }));
   server.Delete(oneReading, api(context.logAccess, [&context](const auto& request, auto& response) {
                   deleteReading(context, request, response);
                 }));
@@ -269,6 +292,7 @@ void installRoutes(httplib::Server& server, ServeContext& context) {
              }));
   server.Get("/api/tags", api(context.logAccess,
                               [&context](const auto&, auto& response) { listTags(context, response); }));
+  installTransferRoutes(server, context);
   for (const char* path : {"/", "/app.js", "/style.css"}) {
     server.Get(path, [&context](const httplib::Request& request, httplib::Response& response) {
       serveAsset(context, request, response);

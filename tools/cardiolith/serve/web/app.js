@@ -307,6 +307,87 @@ async function addReading(event) {
   }
 }
 
+// Import: the file is sent first for a dry run, whose account and lists show before anything changes; the
+// Import button then sends the same file again for the import itself, one change that Undo takes back.
+function importQuery(form, dryRun) {
+  const parts = [`name=${encodeURIComponent(form.file.files[0].name)}`, `dryRun=${dryRun}`];
+  for (const name of ["skipInvalid", "createTags", "force"]) if (form[name].checked) parts.push(`${name}=true`);
+  return parts.join("&");
+}
+
+async function upload(form, dryRun) {
+  const file = form.file.files[0];
+  const response = await fetch(`/api/import?${importQuery(form, dryRun)}`, {
+    method: "POST",
+    headers: { "X-Cardiolith-Token": token, "Content-Type": "application/octet-stream" },
+    body: file,
+    cache: "no-store",
+  });
+  const body = await response.json().catch(() => ({ error: "the server's answer could not be read" }));
+  if (!response.ok) throw new Error(body.error || `the server answered ${response.status}`);
+  return body;
+}
+
+function detailItem(text) {
+  return element("li", text);
+}
+
+function renderPreview(plan) {
+  document.getElementById("import-account").textContent = plan.account;
+  const details = document.getElementById("import-details");
+  details.replaceChildren();
+  for (const reading of plan.added) {
+    details.append(detailItem(`Would add ${shownDate(reading.date)}  ${reading.systolic}/${reading.diastolic} mmHg, pulse ${reading.pulse}`));
+  }
+  for (const [reason, count] of Object.entries(plan.skipped)) details.append(detailItem(`Would skip ${count}: ${reason}`));
+  for (const row of plan.refused) details.append(detailItem(`Refused ${row.position}: ${row.reason}`));
+  for (const title of plan.newTags) details.append(detailItem(`Would create the tag "${title}"`));
+  const confirm = document.getElementById("import-confirm");
+  confirm.hidden = plan.refusal !== null || plan.added.length + plan.newTags.length === 0;
+  if (plan.refusal) details.append(element("li", plan.refusal, "message"));
+  const preview = document.getElementById("import-preview");
+  preview.hidden = false;
+  (confirm.hidden ? document.getElementById("import-preview-heading") : confirm).focus();
+}
+
+function closePreview() {
+  document.getElementById("import-preview").hidden = true;
+}
+
+async function previewImport(event) {
+  event.preventDefault();
+  const form = event.target;
+  const message = document.getElementById("import-message");
+  message.textContent = "";
+  closePreview();
+  if (form.file.files.length === 0) {
+    message.textContent = "Choose a file to import first.";
+    form.file.focus();
+    return;
+  }
+  try {
+    renderPreview(await upload(form, true));
+  } catch (error) {
+    message.textContent = error.message;
+  }
+}
+
+async function confirmImport() {
+  const form = document.getElementById("import-form");
+  const message = document.getElementById("import-message");
+  try {
+    const result = await upload(form, false);
+    closePreview();
+    form.reset();
+    await refresh();
+    message.textContent = result.account;
+    form.file.focus();
+  } catch (error) {
+    closePreview();
+    message.textContent = error.message;
+  }
+}
+
 document.addEventListener("DOMContentLoaded", () => {
   const form = document.getElementById("add-form");
   form.at.value = localDateTime(new Date());
@@ -317,6 +398,13 @@ document.addEventListener("DOMContentLoaded", () => {
     if (event.key === "Escape") cancelEdit();
   });
   document.getElementById("undo-button").addEventListener("click", undoLastChange);
+  document.getElementById("import-form").addEventListener("submit", previewImport);
+  document.getElementById("import-form").file.addEventListener("change", closePreview);
+  document.getElementById("import-confirm").addEventListener("click", confirmImport);
+  document.getElementById("import-cancel").addEventListener("click", () => {
+    closePreview();
+    document.getElementById("import-form").file.focus();
+  });
   document.getElementById("period-form").addEventListener("submit", (event) => {
     event.preventDefault();
     refresh();

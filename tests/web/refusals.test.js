@@ -1,4 +1,4 @@
-// The changes the page can make refused to other sites: a change without the run's
+// The changes the page can make, and its downloads, refused to other sites: a change without the run's
 // token or from a foreign Origin (cross-site request forgery), and any request naming a foreign Host (DNS
 // rebinding). Every refusal is a 403 with a message, and the log on disk stays as it was.
 "use strict";
@@ -34,6 +34,7 @@ const cases = () => [
   ["import from another origin", "POST", "/api/import?name=a.csv", withToken({ Origin: "http://attacker.example" }), csv],
   ["delete with a foreign Host", "DELETE", `/api/readings/${id}`, withToken({ Host: `attacker.example:${server.port}` })],
   ["import with a foreign Host", "POST", "/api/import?name=a.csv", withToken({ Host: `attacker.example:${server.port}` }), csv],
+  ["export with a foreign Host", "GET", "/api/export?format=csv", { Host: `attacker.example:${server.port}` }],
 ];
 
 test("changes without the token or from another origin, and a foreign Host, are refused", async () => {
@@ -47,7 +48,7 @@ test("changes without the token or from another origin, and a foreign Host, are 
   assert.strictEqual(JSON.stringify(server.readings()), before);
 });
 
-test("malformed changes get a 4xx with the tool's message and change nothing", async () => {
+test("malformed changes and downloads get a 4xx with the tool's message and change nothing", async () => {
   const before = JSON.stringify(server.readings());
   const rows = [
     ["an edit that changes nothing", "PATCH", `/api/readings/${id}`, withToken(), "{}", 400, /nothing to change/],
@@ -56,6 +57,7 @@ test("malformed changes get a 4xx with the tool's message and change nothing", a
     ["a multipart upload", "POST", "/api/import?name=a.csv", withToken({ "Content-Type": "multipart/form-data; boundary=x" }), "--x--", 400, /multipart/],
     ["an empty upload", "POST", "/api/import?name=a.csv&dryRun=true", withToken(), "", 400, /empty/],
     ["a flag that is not true or false", "POST", "/api/import?name=a.csv&force=yes", withToken(), csv, 400, /force/],
+    ["an export format the tool lacks", "GET", "/api/export?format=xlsx", { Host: own() }, undefined, 400, /csv, tsv, json or fhir/],
   ];
   for (const [name, method, target, headers, body, status, message] of rows) {
     const answer = await rawRequest(server.port, { method, path: target, headers, body });

@@ -1,5 +1,6 @@
 // Files in and out of the log from the page: an upload is previewed (what would be added, refused, the
-// account) before the Import button imports it.
+// account) before the Import button imports it, and the export links download exactly what `cardiolith
+// export` writes for the period shown.
 "use strict";
 
 const { test, before, after } = require("node:test");
@@ -16,7 +17,7 @@ const folder = fs.mkdtempSync(path.join(os.tmpdir(), "cardiolith-files-"));
 
 before(async () => {
   server = await startServer(process.env.CARDIOLITH);
-  execFileSync(server.tool, ["--data-dir", server.dataDir, "add", "118/76/64", "--at", "-1h"]);
+  execFileSync(server.tool, ["--data-dir", server.dataDir, "add", "118/76/64", "--at", "-1h", "--note", "a, \"quoted\" note"]);
   ({ browser, page } = await launchBrowser(server));
 });
 
@@ -52,4 +53,18 @@ test("an upload shows its preview first; Import then adds the valid row as one u
   assert.strictEqual(server.readings().length, 2);
   const undone = execFileSync(server.tool, ["--data-dir", server.dataDir, "undo"]).toString();
   assert.match(undone, /^Undid: cardiolith import monitor\.csv --skip-invalid\n  removed .*131\/84/);
+});
+
+test("the CSV link downloads the period's readings as `export --format csv` writes them", async () => {
+  const downloads = fs.mkdtempSync(path.join(folder, "downloads-"));
+  const session = await page.createCDPSession();
+  await session.send("Browser.setDownloadBehavior", { behavior: "allow", downloadPath: downloads });
+  await page.click('xpath/.//a[normalize-space(text())="CSV"]');
+  const name = "cardiolith-readings-last-7d.csv";
+  for (let waited = 0; !fs.existsSync(path.join(downloads, name)) && waited < 5000; waited += 100) {
+    await new Promise((resolve) => setTimeout(resolve, 100));
+  }
+  const expected = execFileSync(server.tool, ["--data-dir", server.dataDir, "export", "--format", "csv", "--last", "7d"]);
+  assert.deepStrictEqual(fs.readFileSync(path.join(downloads, name)), expected);
+  assert.match(expected.toString(), /118,76,64,.*"a, ""quoted"" note"/);
 });

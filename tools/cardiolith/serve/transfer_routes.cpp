@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "commands/export_readings.hpp"
 #include "commands/import_readings.hpp"
 #include "log/change_history.hpp"
 #include "log/tag_list.hpp"
@@ -103,6 +104,43 @@ void importUpload(ServeContext& context, const httplib::Request& request, httpli
   });
 }
 
+// "cardiolith-readings-last-7d.csv": the period's parameters, with nothing but letters, digits and dashes,
+// so that the name is safe in a header and on any file system.
+std::string downloadName(const PeriodOptions& period, std::string_view extension) {
+  std::string name = "cardiolith-readings";
+  const auto append = [&name](std::string_view part) {
+    name += '-';
+    for (const char c : part) name += std::isalnum(static_cast<unsigned char>(c)) ? c : '-';
+  };
+  if (period.last) append("last-" + *period.last);
+  if (period.from) append("from-" + *period.from);
+  if (period.to) append("to-" + *period.to);
+  if (!period.last && !period.from && !period.to) append("all");
+  return name + std::string(extension);
+}
+
+void exportDownload(const ServeContext& context, const httplib::Request& request,
+                    httplib::Response& response) {
+  struct Kind {
+    std::string_view format, extension, contentType;
+  };
+  static constexpr std::array<Kind, 4> kinds{
+      {{"csv", ".csv", "text/csv; charset=utf-8"},
+       {"tsv", ".tsv", "text/tab-separated-values; charset=utf-8"},
+       {"json", ".json", "application/json; charset=utf-8"},
+       {"fhir", ".fhir.json", "application/fhir+json; charset=utf-8"}}};
+  const std::string format = parameter(request, "format").value_or("csv");
+  const auto kind =
+      std::find_if(kinds.begin(), kinds.end(), [&](const Kind& k) { return k.format == format; });
+  if (kind == kinds.end())
+    throw MalformedRequest("\"format\": expected csv, tsv, json or fhir, found \"" + format + "\"");
+  const PeriodOptions period = periodOptionsOf(request);
+  const ExportedReadings exported = exportReadings(context.folder, period, format);
+  response.set_header("Content-Disposition",
+                      "attachment; filename=\"" + downloadName(period, kind->extension) + "\"");
+  response.set_content(exported.text, std::string(kind->contentType));
+}
+
 }  // namespace
 
 void installTransferRoutes(httplib::Server& server, ServeContext& context) {
@@ -110,6 +148,9 @@ void installTransferRoutes(httplib::Server& server, ServeContext& context) {
                                      const httplib::ContentReader& reader) {
     importUpload(context, request, response, reader);
   });
+  server.Get("/api/export", api(context.logAccess, [&context](const auto& request, auto& response) {
+               exportDownload(context, request, response);
+             }));
 }
 
 }  // namespace cardiolith::tool::serve

@@ -253,6 +253,7 @@ async function refresh() {
     renderReadings(list.readings);
     renderSummary(summary);
     document.getElementById("report-link").href = `/report?${reportQuery()}`;
+    updateExportLinks();
     showChart(list.readings.length > 0);
     message.textContent = list.readings.length === 0 ? "No readings in this period." : "";
   } catch (error) {
@@ -385,6 +386,13 @@ async function confirmImport() {
   } catch (error) {
     closePreview();
     message.textContent = error.message;
+  }
+}
+
+function updateExportLinks() {
+  const query = periodQuery();
+  for (const format of ["csv", "json", "fhir"]) {
+    document.getElementById(`export-${format}`).href = `/api/export?format=${format}${query ? `&${query}` : ""}`;
   }
 }
 

@@ -81,7 +81,7 @@ function renderReadings(readings) {
   for (const reading of readings) {
     const row = document.createElement("tr");
     row.dataset.id = reading.id;
-    row.append(cell("Date", shownDate(reading.date)));
+    row.append(cell("Date", shownDate(reading.date), "date"));
     row.append(cell("Systolic/diastolic", `${reading.systolic}/${reading.diastolic}`, "number"));
     row.append(cell("Pulse", String(reading.pulse), "number"));
     const category = cell("Category");
@@ -110,8 +110,14 @@ function changeCell(reading) {
   return node;
 }
 
-function changeMessage(text) {
-  document.getElementById("change-message").textContent = text;
+// A message beside a form or the list: a refusal in red, news of a change done ("Saved.") in green.
+function say(node, text, done = false) {
+  node.textContent = text;
+  node.classList.toggle("done", done);
+}
+
+function changeMessage(text, done = false) {
+  say(document.getElementById("change-message"), text, done);
 }
 
 function focusEditButton(id) {
@@ -182,7 +188,7 @@ async function saveEdit(event) {
     await api(`/api/readings/${encodeURIComponent(reading.id)}`, { method: "PATCH", body: JSON.stringify(change) });
     closeEdit();
     await refresh();
-    changeMessage("Saved.");
+    changeMessage("Saved.", true);
     focusEditButton(reading.id);
   } catch (error) {
     message.textContent = error.message;
@@ -194,7 +200,7 @@ async function deleteReading(reading) {
   try {
     const answer = await api(`/api/readings/${encodeURIComponent(reading.id)}`, { method: "DELETE" });
     await refresh();
-    changeMessage(`${answer.message}. Undo brings it back.`);
+    changeMessage(`${answer.message}. Undo brings it back.`, true);
   } catch (error) {
     changeMessage(error.message);
   }
@@ -206,7 +212,7 @@ async function undoLastChange() {
   try {
     const answer = await api("/api/undo", { method: "POST" });
     await refresh();
-    changeMessage([`Undid: ${answer.undid}`, ...answer.changes].join("\n"));
+    changeMessage([`Undid: ${answer.undid}`, ...answer.changes].join("\n"), true);
   } catch (error) {
     changeMessage(error.message);
   }
@@ -242,7 +248,8 @@ function showChart(hasReadings) {
   chart.onload = () => (chart.hidden = false);
   chart.onerror = () => (chart.hidden = true);
   const days = document.getElementById("period-form").period.value === "7" ? 7 : 30;
-  const width = Math.round(chart.parentElement.clientWidth);
+  // The chart's labels need 560 pixels; on a narrower screen its frame scrolls sideways.
+  const width = Math.max(560, Math.round(chart.parentElement.clientWidth));
   chart.src = `/api/chart.svg?days=${days}&width=${width}&t=${Date.now()}`;
 }
 
@@ -287,7 +294,7 @@ async function addReading(event) {
   event.preventDefault();
   const form = event.target;
   const message = document.getElementById("add-message");
-  message.textContent = "";
+  say(message, "");
   const reading = {
     systolic: wholeNumber(form.systolic.value),
     diastolic: wholeNumber(form.diastolic.value),
@@ -302,7 +309,7 @@ async function addReading(event) {
     form.reset();
     form.at.value = localDateTime(new Date());
     await refresh();
-    message.textContent = "Added.";
+    say(message, "Added.", true);
   } catch (error) {
     message.textContent = error.message;
   }
@@ -359,7 +366,7 @@ async function previewImport(event) {
   event.preventDefault();
   const form = event.target;
   const message = document.getElementById("import-message");
-  message.textContent = "";
+  say(message, "");
   closePreview();
   if (form.file.files.length === 0) {
     message.textContent = "Choose a file to import first.";
@@ -381,7 +388,7 @@ async function confirmImport() {
     closePreview();
     form.reset();
     await refresh();
-    message.textContent = result.account;
+    say(message, result.account, true);
     form.file.focus();
   } catch (error) {
     closePreview();

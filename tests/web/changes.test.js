@@ -59,6 +59,8 @@ test("Delete removes the reading; Undo brings it back and says what it took back
 test("each page change is one undo step, the command line's history included", async () => {
   await page.click("#undo-button");
   await page.waitForFunction(() => document.getElementById("change-message").textContent.startsWith("Undid: edit"));
+  // Named by what was changed, as one would type the edit.
+  assert.match(await page.$eval("#change-message", (m) => m.textContent), /^Undid: edit [0-9A-Fa-f-]+ 135\/82\nput back/);
   assert.strictEqual(server.readings()[0].systolic, 128);
   const undone = execFileSync(server.tool, ["--data-dir", server.dataDir, "undo"]).toString();
   assert.match(undone, /^Undid: cardiolith .*add 128\/82 --pulse 71/);

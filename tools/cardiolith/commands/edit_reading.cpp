@@ -43,10 +43,6 @@ std::shared_ptr<Reading> edited(const Reading& old, const ReadingEdit& edit,
 
 }  // namespace
 
-bool ReadingEdit::changesSomething() const {
-  return systolic || diastolic || pulse || date || note || removeNote || !tags.empty() || !untags.empty();
-}
-
 EditedReading editReading(const DataFolder& folder, const ReadingEdit& edit) {
   if (edit.note && !text::isValidUTF8(*edit.note)) throw ToolError("--note: the text is not valid UTF-8");
   std::optional<TagList> tagList;

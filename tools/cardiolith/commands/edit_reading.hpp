@@ -32,7 +32,9 @@ struct ReadingEdit {
   bool force = false;
 
   // Whether it changes anything at all.
-  [[nodiscard]] bool changesSomething() const;
+  [[nodiscard]] bool changesSomething() const {
+    return systolic || diastolic || pulse || date || note || removeNote || !tags.empty() || !untags.empty();
+  }
 };
 
 struct EditedReading {

@@ -61,14 +61,16 @@ httplib::Server::HandlerWithContentReader withSmallBody(std::mutex& logAccess, H
   return [&logAccess, handler](const httplib::Request& request, httplib::Response& response,
                                const httplib::ContentReader& reader) {
     std::string body;
-    const bool whole = reader([&body](const char* data, std::size_t size) {
-      if (size > maxBodyBytes - body.size()) return false;
-      body.append(data, size);
-      return true;
+    bool tooLarge = false;
+    const bool whole = reader([&body, &tooLarge](const char* data, std::size_t size) {
+      tooLarge = size > maxBodyBytes - body.size();
+      if (!tooLarge) body.append(data, size);
+      return !tooLarge;
     });
     if (!whole) {
       response.set_header("Connection", "close");
-      return answerError(response, 413, "the request body is too large");
+      return answerError(response, tooLarge ? 413 : 400,
+                         tooLarge ? "the request body is too large" : "the request body ended early");
     }
     answering(response, [&] {
       const std::lock_guard hold(logAccess);

@@ -85,8 +85,10 @@ void importUpload(ServeContext& context, const httplib::Request& request, httpli
     const ImportSettings settings = settingsOf(request, command);
     const bool dryRun = flag(request, "dryRun");
     UploadFile upload;
-    reader([&upload](const char* data, std::size_t size) { return upload.append(data, size); });
+    const bool whole =
+        reader([&upload](const char* data, std::size_t size) { return upload.append(data, size); });
     upload.finish();
+    if (!whole) throw MalformedRequest("the upload of \"" + name + "\" ended before the whole file arrived");
     if (upload.size() == 0) throw MalformedRequest("the uploaded file \"" + name + "\" is empty");
 
     const std::lock_guard hold(context.logAccess);

@@ -168,22 +168,36 @@ function checkedTags(form) {
   return [...form.querySelectorAll('input[name="tag"]:checked')].map((box) => box.value);
 }
 
+// Only what was changed is sent, so the undo history names the edit as one would type it ("edit 1a2b
+// --pulse 70"); the pressures go as a pair, as `edit` takes them.
+function editedMembers(form, reading) {
+  const change = {};
+  if (form.systolic.value !== String(reading.systolic) || form.diastolic.value !== String(reading.diastolic)) {
+    change.systolic = wholeNumber(form.systolic.value);
+    change.diastolic = wholeNumber(form.diastolic.value);
+  }
+  if (form.pulse.value !== String(reading.pulse)) change.pulse = wholeNumber(form.pulse.value);
+  // The page shows minutes; an untouched date keeps its seconds.
+  if (form.at.value !== localDateTime(new Date(reading.date))) change.at = form.at.value.replace("T", " ");
+  if (form.note.value !== (reading.notes || "")) change.note = form.note.value;
+  const tags = checkedTags(form);
+  if (tags.length !== reading.tags.length || tags.some((tag) => !reading.tags.includes(tag))) change.tags = tags;
+  if (Object.keys(change).length > 0 && form.force.checked) change.force = true;
+  return change;
+}
+
 async function saveEdit(event) {
   event.preventDefault();
   const form = event.target;
   const reading = editing;
   const message = document.getElementById("edit-message");
   message.textContent = "";
-  const change = {
-    systolic: wholeNumber(form.systolic.value),
-    diastolic: wholeNumber(form.diastolic.value),
-    pulse: wholeNumber(form.pulse.value),
-    note: form.note.value,
-    tags: checkedTags(form),
-    force: form.force.checked,
-  };
-  // The page shows minutes; an untouched date keeps its seconds.
-  if (form.at.value !== localDateTime(new Date(reading.date))) change.at = form.at.value.replace("T", " ");
+  const change = editedMembers(form, reading);
+  if (Object.keys(change).length === 0) {
+    cancelEdit();
+    changeMessage("Nothing changed.", true);
+    return;
+  }
   try {
     await api(`/api/readings/${encodeURIComponent(reading.id)}`, { method: "PATCH", body: JSON.stringify(change) });
     closeEdit();

@@ -1,10 +1,13 @@
 #include "serve/transfer_routes.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "commands/export_readings.hpp"
 #include "commands/import_readings.hpp"
@@ -36,13 +39,16 @@ ImportSettings settingsOf(const httplib::Request& request, std::vector<std::stri
                              *settings.format + "\"");
     command.insert(command.end(), {"--format", *settings.format});
   }
-  const std::pair<bool*, const char*> flags[] = {{&settings.skipInvalid, "skipInvalid"},
-                                                 {&settings.force, "force"},
-                                                 {&settings.createTags, "createTags"}};
-  const char* options[] = {"--skip-invalid", "--force", "--create-tags"};
-  for (std::size_t i = 0; i < std::size(flags); ++i) {
-    *flags[i].first = flag(request, flags[i].second);
-    if (*flags[i].first) command.push_back(options[i]);
+  const struct {
+    bool* value;
+    const char* parameter;
+    const char* option;
+  } flags[] = {{&settings.skipInvalid, "skipInvalid", "--skip-invalid"},
+               {&settings.force, "force", "--force"},
+               {&settings.createTags, "createTags", "--create-tags"}};
+  for (const auto& each : flags) {
+    *each.value = flag(request, each.parameter);
+    if (*each.value) command.push_back(each.option);
   }
   return settings;
 }

@@ -35,12 +35,13 @@ test("Edit opens a labelled form in the row; a refusal keeps what was typed, Sav
   await page.waitForFunction(() => document.getElementById("edit-message").textContent.includes("not changed"));
   assert.strictEqual(await systolic.evaluate((field) => field.value), "400");
 
+  await page.click('xpath/.//form[@id="edit-form"]//label[contains(., "Evening")]/input');
   await systolic.click({ clickCount: 3 });
   await systolic.type("135");
   await page.keyboard.press("Enter");
   await page.waitForFunction(() => document.getElementById("change-message").textContent === "Saved.");
   const [reading] = server.readings();
-  assert.deepStrictEqual([reading.systolic, reading.diastolic, reading.pulse, reading.notes], [135, 82, 71, "first"]);
+  assert.deepStrictEqual([reading.systolic, reading.diastolic, reading.pulse, reading.notes, reading.tags], [135, 82, 71, "first", ["Evening"]]);
   assert.match(await page.evaluate(() => document.activeElement.getAttribute("aria-label")), /^Edit the reading/);
 });
 
@@ -60,7 +61,7 @@ test("each page change is one undo step, the command line's history included", a
   await page.click("#undo-button");
   await page.waitForFunction(() => document.getElementById("change-message").textContent.startsWith("Undid: edit"));
   // Named by what was changed, as one would type the edit.
-  assert.match(await page.$eval("#change-message", (m) => m.textContent), /^Undid: edit [0-9A-Fa-f-]+ 135\/82\nput back/);
+  assert.match(await page.$eval("#change-message", (m) => m.textContent), /^Undid: edit [0-9A-Fa-f-]+ 135\/82 --tag Evening\nput back/);
   assert.strictEqual(server.readings()[0].systolic, 128);
   const undone = execFileSync(server.tool, ["--data-dir", server.dataDir, "undo"]).toString();
   assert.match(undone, /^Undid: cardiolith .*add 128\/82 --pulse 71/);

@@ -24,6 +24,7 @@ async function startServer(tool) {
   const token = page.match(/name="cardiolith-token" content="([0-9a-f]+)"/)[1];
   return {
     child,
+    tool,
     base,
     port: Number(new URL(base).port),
     token,

@@ -10,7 +10,8 @@ namespace {
 TEST(ReadingRequestTest, ReadsEveryMember) {
   const auto reading =
       parseNewReading(R"({"systolic":128,"diastolic":82,"pulse":71,"at":"2026-11-20 07:45","note":"a <b>",)"
-                      R"("tags":["Morning","Sitting"],"force":true})");
+                      R"("tags":["Morning","Sitting"],"force":true})")
+          .reading;
   EXPECT_EQ(reading.systolic, 128);
   EXPECT_EQ(reading.diastolic, 82);
   EXPECT_EQ(reading.pulse, 71);
@@ -21,7 +22,8 @@ TEST(ReadingRequestTest, ReadsEveryMember) {
 }
 
 TEST(ReadingRequestTest, EmptyDateAndNoteMeanNowAndNone) {
-  const auto reading = parseNewReading(R"({"systolic":120,"diastolic":80,"pulse":60,"at":"","note":""})");
+  const auto reading =
+      parseNewReading(R"({"systolic":120,"diastolic":80,"pulse":60,"at":"","note":""})").reading;
   EXPECT_FALSE(reading.date.has_value());
   EXPECT_FALSE(reading.note.has_value());
 }
@@ -62,7 +64,7 @@ TEST(ReadingRequestTest, AFutureDateNeedsForceWhereverForceStands) {
                ToolError);
   const auto forced =
       parseNewReading(R"({"systolic":120,"diastolic":80,"pulse":60,"at":"2100-01-01 08:00","force":true})");
-  EXPECT_TRUE(forced.date.has_value());
+  EXPECT_TRUE(forced.reading.date.has_value());
 }
 
 }  // namespace

@@ -22,26 +22,13 @@ namespace {
 
 constexpr int usageError = 2;
 
-// The arguments as a person would retype them, for the undo history: "add 138/85 --note 'after a walk'".
-std::string commandLine(int argc, char** argv) {
-  std::string line;
-  for (int i = 1; i < argc; ++i) {
-    const std::string_view argument = argv[i];
-    if (!line.empty()) line += ' ';
-    const bool plain =
-        !argument.empty() && argument.find_first_of(" \t\n'\"\\$`;&|<>()*?#~") == std::string_view::npos;
-    line += plain ? std::string(argument) : "'" + std::string(argument) + "'";
-  }
-  return line;
-}
-
 int parseAndRun(int argc, char** argv) {
   // The library reads launch arguments for itself, and "DELETE_ALL_RECORDS" among them empties the log.
   // Neither a note nor the name the tool was started under (a link, exec -a) is a launch argument: the
   // library sees a fixed program name only.
   cardiolith::ProcessInfo::setArguments({"cardiolith"});
   LibraryLog::install();
-  ChangeHistory::startChange(commandLine(argc, argv));
+  ChangeHistory::startChange(retypableCommandLine({argv + 1, argv + argc}));
 
   GlobalOptions global;
   CLI::App app{"Keep a blood-pressure log: add readings, list, summarise, export and chart them."};

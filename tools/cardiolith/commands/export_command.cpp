@@ -1,21 +1,13 @@
-#include <algorithm>
-#include <cardiolith/interop/delimited.hpp>
-#include <cardiolith/interop/fhir.hpp>
-#include <cardiolith/model/collection.hpp>
-#include <cardiolith/model/json.hpp>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 
 #include "commands/commands.hpp"
+#include "commands/export_readings.hpp"
 #include "input/period_options.hpp"
 #include "log/data_folder.hpp"
 #include "log/output_file.hpp"
-#include "log/tag_list.hpp"
-#include "render/category_text.hpp"
-#include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
@@ -26,37 +18,15 @@ struct ExportOptions {
   std::optional<std::string> out;
 };
 
-std::string exportText(const ReadingList& readings, const TagList& tags, const std::string& format) {
-  if (format == "json") return json::encode(Readings{readings});
-  if (format == "fhir") return interop::encodeFhirBundle(readings);
-  std::ostringstream text;
-  interop::writeDelimited(text, readings, tags.manager().tags(),
-                          {format == "tsv" ? '\t' : ',', [](BloodPressureAnalysis category) {
-                             return std::string(categoryName(category));
-                           }});
-  return text.str();
-}
-
 void runExport(const ExportOptions& options, const GlobalOptions& global) {
-  const Period period = choosePeriod(options.period, DateReader::current(), std::nullopt);
   const DataFolder folder(global);
-  const TagList tags(folder);
-  ReadingsLog log(folder, ReadingsLog::Access::read);
-  auto selection = selectReadings(log.readings(), period, options.period, tags);
-  std::stable_sort(selection.begin(), selection.end(),
-                   [](const auto& a, const auto& b) { return a->date() < b->date(); });
-  std::string text;
-  try {
-    text = exportText(selection, tags, options.format);
-  } catch (const EncodingError& error) {
-    throw ToolError(std::string("can't export the log: ") + error.what());
-  }
+  const ExportedReadings exported = exportReadings(folder, options.period, options.format);
   if (!options.out) {
-    std::cout << text;
+    std::cout << exported.text;
     return;
   }
-  writeOutputFile(*options.out, text, folder.ownFiles());
-  std::cout << "Exported " << selection.size() << " readings to " << *options.out << '\n';
+  writeOutputFile(*options.out, exported.text, folder.ownFiles());
+  std::cout << "Exported " << exported.count << " readings to " << *options.out << '\n';
 }
 
 }  // namespace

@@ -1,16 +1,12 @@
-#include <cardiolith/interop/import_file.hpp>
-#include <cardiolith/interop/import_plan.hpp>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "commands/commands.hpp"
+#include "commands/import_readings.hpp"
 #include "log/data_folder.hpp"
-#include "log/tag_list.hpp"
 #include "render/progress_bar.hpp"
 #include "render/reading_text.hpp"
 #include "tool_error.hpp"
@@ -29,94 +25,36 @@ struct ImportOptions {
   std::optional<std::string> dateFormat;
 };
 
-// Reads every file into one plan.
-interop::ImportPlan plannedImport(const ImportOptions& options, const ReadingList& existing,
-                                  const std::vector<Tag>& tags) {
-  interop::ImportPlanner planner(existing, tags, {.force = options.force, .createTags = options.createTags});
-  ProgressBar progress("Reading");
-  for (const auto& name : options.files) {
-    try {
-      interop::ReaderOptions readerOptions{options.columns, options.dateFormat,
-                                           [&progress](std::uint64_t done) { progress.update(done); }};
-      const auto format = options.format ? interop::importFormatNamed(*options.format) : std::nullopt;
-      interop::ImportFile file(name, format, readerOptions);
-      progress.restart("Reading " + std::filesystem::path(name).filename().string(), file.size());
-      planner.takeAll(file.reader(), name);
-    } catch (const interop::ImportError& error) {
-      throw ToolError("nothing imported: " + name + ": " + error.what());
-    } catch (const std::invalid_argument& error) {  // a --date-format that ICU rejects
-      throw ToolError(std::string("--date-format: ") + error.what());
-    }
-  }
-  return std::move(planner).takePlan();
-}
-
-std::string account(const interop::ImportPlan& plan, bool dryRun) {
-  std::size_t skipped = 0;
-  std::string reasons;
-  for (const auto& [reason, count] : plan.skipped) {
-    skipped += count;
-    reasons += (reasons.empty() ? "" : ", ") + std::to_string(count) + " " + reason;
-  }
-  std::ostringstream text;
-  text << (dryRun ? "Dry run, nothing changed: " : "Imported: ") << plan.added.size()
-       << (dryRun ? " would be added, " : " added, ") << plan.alreadyThere << " already there, " << skipped
-       << " skipped" << (reasons.empty() ? "" : " (" + reasons + ")") << ", " << plan.refused.size()
-       << " refused.\n";
-  return text.str();
-}
-
-void refuseUnlessClean(const interop::ImportPlan& plan, const ImportOptions& options) {
-  if (!plan.unknownTags.empty()) {
-    std::string titles;
-    for (const auto& title : plan.unknownTags) titles += (titles.empty() ? "\"" : ", \"") + title + "\"";
-    throw ToolError("nothing imported: the log has no tag titled " + titles +
-                    ".\nAdd them with cardiolith tags add TITLE, or import with --create-tags.");
-  }
-  if (plan.refused.empty() || options.skipInvalid) return;
-  std::string message = "nothing imported: " + std::to_string(plan.refused.size()) +
-                        (plan.refused.size() == 1 ? " row is" : " rows are") + " invalid:\n";
-  constexpr std::size_t kListed = 20;
-  for (std::size_t i = 0; i < plan.refused.size() && i < kListed; ++i)
-    message += "  " + plan.refused[i].position + ": " + plan.refused[i].reason + "\n";
-  if (plan.refused.size() > kListed)
-    message += "  and " + std::to_string(plan.refused.size() - kListed) + " more\n";
-  message += "Correct the file, or add --skip-invalid to import the rest (--force keeps implausible values).";
-  throw ToolError(message);
+ImportSettings settingsOf(const ImportOptions& options) {
+  return {options.format,     options.skipInvalid, options.force,
+          options.createTags, options.columns,     options.dateFormat};
 }
 
 void runImport(const ImportOptions& options, const GlobalOptions& global) {
   const DataFolder folder(global);
-  ReadingsLog log(folder, options.dryRun ? ReadingsLog::Access::read : ReadingsLog::Access::change);
-  TagList tags(folder);
-  const interop::ImportPlan plan = plannedImport(options, log.readings(), tags.manager().tags());
-  refuseUnlessClean(plan, options);
+  const ImportSettings settings = settingsOf(options);
+  std::vector<ImportSource> sources;
+  for (const auto& name : options.files) sources.push_back({name, name});
+  const auto plan = [&] {
+    // Cleared before the report is printed.
+    ProgressBar progress("Reading");
+    return options.dryRun ? previewImport(folder, sources, settings, &progress)
+                          : importReadings(folder, sources, settings, &progress);
+  }();
 
   std::string report;
-  for (const auto& row : plan.refused)
-    report += (options.dryRun ? "Would skip " : "Skipped ") + row.position + ": " + row.reason + "\n";
   if (options.dryRun) {
+    if (const auto refusal = importRefusal(plan, settings)) throw ToolError(*refusal);
+    for (const auto& row : plan.refused) report += "Would skip " + row.position + ": " + row.reason + "\n";
     for (const auto& reading : plan.added)
       report += "Would add " + displayDateFormatter().string(reading->date()) + "  " +
                 describeValues(*reading) + "\n";
     for (const auto& tag : plan.newTags) report += "Would create the tag \"" + tag.title + "\"\n";
-    std::cout << report << account(plan, true);
-    return;
+  } else {
+    for (const auto& row : plan.refused) report += "Skipped " + row.position + ": " + row.reason + "\n";
+    for (const auto& tag : plan.newTags) report += "Created the tag \"" + tag.title + "\"\n";
   }
-  if (!plan.newTags.empty()) {
-    tags.requireReadable();
-    for (const auto& tag : plan.newTags) {
-      tags.manager().insert(tag);
-      report += "Created the tag \"" + tag.title + "\"\n";
-    }
-    tags.finishSaving();  // before the readings that name the tags are saved
-  }
-  if (!plan.added.empty()) {
-    auto& readings = log.readings();
-    readings.insert(readings.end(), plan.added.begin(), plan.added.end());
-    log.save();
-  }
-  std::cout << report << account(plan, false);
+  std::cout << report << importAccount(plan, options.dryRun) << '\n';
 }
 
 }  // namespace

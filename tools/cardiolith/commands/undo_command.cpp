@@ -1,96 +1,22 @@
-#include <cardiolith/model/json.hpp>
-#include <cardiolith/model/tag.hpp>
 #include <iostream>
-#include <map>
-#include <string>
 
 #include "commands/commands.hpp"
-#include "log/change_history.hpp"
+#include "commands/undo_change.hpp"
 #include "log/data_folder.hpp"
-#include "log/folder_lock.hpp"
-#include "render/reading_text.hpp"
 
 namespace cardiolith::tool {
-namespace {
-
-template <class Document>
-std::optional<Document> decoded(const std::optional<std::string>& content) {
-  if (!content) return Document{};
-  try {
-    return json::decode<Document>(*content);
-  } catch (const std::exception&) {
-    return std::nullopt;
-  }
-}
-
-bool sameReading(const Reading& a, const Reading& b) { return a == b && a.tagIDs() == b.tagIDs(); }
-
-// What undo did to the readings, reading by reading, compared by id.
-std::string readingChanges(const ChangeHistory::RestoredFile& file) {
-  const auto before = decoded<Readings>(file.before), after = decoded<Readings>(file.after);
-  if (!before || !after) return "  restored " + file.path.string() + "\n";
-  std::map<std::string, std::shared_ptr<Reading>> old;
-  for (const auto& reading : after->readings) old[reading->id()] = reading;
-  std::string text;
-  for (const auto& reading : before->readings) {
-    const auto match = old.find(reading->id());
-    if (match == old.end()) {
-      text += "  brought back " + describeWithId(before->readings, *reading) + "\n";
-      continue;
-    }
-    if (!sameReading(*reading, *match->second)) {
-      text += "  put back " + describeWithId(before->readings, *reading) + " (was " +
-              displayDateFormatter().string(match->second->date()) + "  " + describeValues(*match->second) +
-              ")\n";
-    }
-    old.erase(match);
-  }
-  for (const auto& reading : after->readings) {
-    if (old.contains(reading->id())) text += "  removed " + describeWithId(after->readings, *reading) + "\n";
-  }
-  return text;
-}
-
-std::string tagChanges(const ChangeHistory::RestoredFile& file) {
-  // Without a tags file, or with an empty one, the library gives the ten default tags.
-  if (!file.before || file.before == "[]") return "  the tags are the ten default ones again\n";
-  const auto before = decoded<std::vector<Tag>>(file.before), after = decoded<std::vector<Tag>>(file.after);
-  if (!before || !after) return "  restored " + file.path.string() + "\n";
-  std::map<UUID, Tag> old;
-  for (const auto& tag : *after) old.emplace(tag.id, tag);
-  std::string text;
-  for (const auto& tag : *before) {
-    const auto match = old.find(tag.id);
-    if (match == old.end()) {
-      text += "  brought back the tag \"" + tag.title + "\"\n";
-      continue;
-    }
-    if (match->second.title != tag.title) {
-      text += "  renamed the tag \"" + match->second.title + "\" back to \"" + tag.title + "\"\n";
-    }
-    old.erase(match);
-  }
-  for (const auto& [id, tag] : old) text += "  removed the tag \"" + tag.title + "\"\n";
-  return text;
-}
-
-void runUndo(const GlobalOptions& global) {
-  const DataFolder folder(global);
-  const FolderLock lock = folder.lockForChange();
-  const auto undone = ChangeHistory(folder.historyFile()).undoLast();
-  std::string report = "Undid: cardiolith " + undone.commandLine + "\n";
-  for (const auto& file : undone.files) {
-    report += file.path.filename() == "tags" ? tagChanges(file) : readingChanges(file);
-  }
-  std::cout << report;
-}
-
-}  // namespace
 
 void addUndoCommand(CLI::App& app, const GlobalOptions& global) {
   auto* command = app.add_subcommand(
       "undo", "Take back the last change cardiolith made to the log or the tags; repeat to go further back");
-  command->callback([&global] { runUndo(global); });
+  command->callback([&global] {
+    const DataFolder folder(global);
+    const UndoneChange undone = undoLastChange(folder);
+    // Printed whole once the files are back, so that a failure prints nothing but the error.
+    std::string report = "Undid: cardiolith " + undone.commandLine + "\n";
+    for (const auto& line : undone.changes) report += "  " + line + "\n";
+    std::cout << report;
+  });
 }
 
 }  // namespace cardiolith::tool

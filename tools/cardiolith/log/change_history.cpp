@@ -48,6 +48,17 @@ std::string fileDescription(const std::filesystem::path& path) { return "the fil
 
 }  // namespace
 
+std::string retypableCommandLine(const std::vector<std::string>& arguments) {
+  std::string line;
+  for (const auto& argument : arguments) {
+    if (!line.empty()) line += ' ';
+    const bool plain =
+        !argument.empty() && argument.find_first_of(" \t\n'\"\\$`;&|<>()*?#~") == std::string::npos;
+    line += plain ? argument : "'" + argument + "'";
+  }
+  return line;
+}
+
 void ChangeHistory::startChange(std::string commandLine) {
   auto& change = processChange();
   std::lock_guard lock(change.mutex);

@@ -54,4 +54,7 @@ class ChangeHistory {
   std::filesystem::path file_;
 };
 
+// The arguments as a person would retype them, for naming a change: "add 138/85 --note 'after a walk'".
+[[nodiscard]] std::string retypableCommandLine(const std::vector<std::string>& arguments);
+
 }  // namespace cardiolith::tool

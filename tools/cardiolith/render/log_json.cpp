@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "render/category_text.hpp"
-#include "render/json_writer.hpp"
 #include "render/reading_text.hpp"
 
 namespace cardiolith::tool {
@@ -13,22 +12,24 @@ namespace cardiolith::tool {
 void writeReadingsJson(std::ostream& out, const ReadingList& readings, const TagList& tags) {
   JsonWriter json(out);
   json.beginObject().key("readings").beginArray();
-  for (const auto& reading : readings) {
-    json.beginObject();
-    json.key("id").string(reading->id());
-    json.key("date").string(isoDateFormatter().string(reading->date()));
-    json.key("systolic").integer(reading->systolic());
-    json.key("diastolic").integer(reading->diastolic());
-    json.key("pulse").integer(reading->pulse());
-    json.key("category")
-        .string(categoryKey(BloodPressureAnalyzer::result(reading->systolic(), reading->diastolic())));
-    json.key("tags").beginArray();
-    for (const auto& title : tags.titles(reading->tagIDs())) json.string(title);
-    json.endArray();
-    json.key("notes").stringOrNull(reading->notes());
-    json.endObject();
-  }
+  for (const auto& reading : readings) writeReadingJson(json, *reading, tags);
   json.endArray().endObject();
+}
+
+void writeReadingJson(JsonWriter& json, const Reading& reading, const TagList& tags) {
+  json.beginObject();
+  json.key("id").string(reading.id());
+  json.key("date").string(isoDateFormatter().string(reading.date()));
+  json.key("systolic").integer(reading.systolic());
+  json.key("diastolic").integer(reading.diastolic());
+  json.key("pulse").integer(reading.pulse());
+  json.key("category")
+      .string(categoryKey(BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic())));
+  json.key("tags").beginArray();
+  for (const auto& title : tags.titles(reading.tagIDs())) json.string(title);
+  json.endArray();
+  json.key("notes").stringOrNull(reading.notes());
+  json.endObject();
 }
 
 void writeSummaryJson(std::ostream& out, const ReadingsSummary& summary, const Period& period,

@@ -6,6 +6,7 @@
 
 #include "input/period_options.hpp"
 #include "log/tag_list.hpp"
+#include "render/json_writer.hpp"
 
 namespace cardiolith::tool {
 
@@ -15,6 +16,8 @@ namespace cardiolith::tool {
 // {"readings":[{"id","date","systolic","diastolic","pulse","category","tags":[titles],"notes"}]} in the
 // order given; dates are ISO 8601 and `category` is the category key.
 void writeReadingsJson(std::ostream& out, const ReadingList& readings, const TagList& tags);
+// One reading's object of that list, for documents that hold readings among other members.
+void writeReadingJson(JsonWriter& json, const Reading& reading, const TagList& tags);
 
 // {"start","end","readings","previousReadings","current","previous","change","category"} of a period's
 // summary, with the reading counts of the period and of the one before; the averages are objects of

@@ -5,27 +5,37 @@
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <charconv>
 #include <cmath>
+#include <memory>
 #include <optional>
+#include <set>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "commands/add_reading.hpp"
+#include "commands/delete_readings.hpp"
+#include "commands/edit_reading.hpp"
+#include "commands/import_readings.hpp"
+#include "commands/undo_change.hpp"
 #include "input/date_input.hpp"
 #include "input/period_options.hpp"
+#include "log/change_history.hpp"
 #include "log/tag_list.hpp"
 #include "render/cairo_output.hpp"
 #include "render/home_report.hpp"
 #include "render/json_writer.hpp"
 #include "render/log_json.hpp"
 #include "render/period_chart.hpp"
+#include "serve/api_answers.hpp"
 #include "serve/reading_request.hpp"
 #include "serve/request_guard.hpp"
+#include "serve/transfer_routes.hpp"
 #include "serve/web_assets.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool::serve {
 namespace {
 
-constexpr const char* jsonType = "application/json; charset=utf-8";
 constexpr const char* tokenHeader = "X-Cardiolith-Token";
 constexpr std::string_view tokenPlaceholder = "{{TOKEN}}";
 
@@ -35,37 +45,12 @@ std::optional<std::string_view> header(const httplib::Request& request, const ch
   return std::string_view(headers.find(name)->second);
 }
 
-std::string errorJson(std::string_view message) {
-  std::ostringstream out;
-  JsonWriter(out).beginObject().key("error").string(message).endObject();
-  return out.str();
-}
-
-void answerError(httplib::Response& response, int status, std::string_view message) {
-  response.status = status;
-  response.set_content(errorJson(message), jsonType);
-}
-
 void setSecurityHeaders(httplib::Response& response) {
   response.set_header("Content-Security-Policy",
                       "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
                       "connect-src 'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
   response.set_header("X-Content-Type-Options", "nosniff");
   response.set_header("Referrer-Policy", "no-referrer");
-}
-
-std::optional<std::string> parameter(const httplib::Request& request, const char* name) {
-  if (!request.has_param(name)) return std::nullopt;
-  return request.get_param_value(name);
-}
-
-// The period options of a query: from, to and last as `list --from/--to/--last` read them.
-PeriodOptions periodOptionsOf(const httplib::Request& request) {
-  PeriodOptions options;
-  options.from = parameter(request, "from");
-  options.to = parameter(request, "to");
-  options.last = parameter(request, "last");
-  return options;
 }
 
 // The period of a query as `list` chooses it; no parameters: everything.
@@ -112,12 +97,64 @@ void listTags(const ServeContext& context, httplib::Response& response) {
   response.set_content(out.str(), jsonType);
 }
 
-void addFromBody(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
-  const AddedReading added = addReading(context.folder, parseNewReading(request.body));
+// The reading as `list --json` writes it, alone in its list.
+void answerReading(const ServeContext& context, const std::shared_ptr<Reading>& reading,
+                   httplib::Response& response) {
   const TagList tags(context.folder);
   std::ostringstream out;
-  writeReadingsJson(out, {added.reading}, tags);
+  writeReadingsJson(out, {reading}, tags);
+  response.set_content(out.str(), jsonType);
+}
+
+// Each change of the page is one step of the undo history, named by the command line that makes it.
+void startChange(const std::vector<std::string>& command) {
+  ChangeHistory::startChange(retypableCommandLine(command));
+}
+
+void addFromBody(const ServeContext& context, const std::string& body, httplib::Response& response) {
+  const PageAddition addition = parseNewReading(body);
+  startChange(addition.command);
+  answerReading(context, addReading(context.folder, addition.reading).reading, response);
   response.status = 201;
+}
+
+// The page sends every tag the reading is to carry; `edit` adds some and removes others.
+void resolveTagSet(const ServeContext& context, PageEdit& page) {
+  if (!page.tags) return;
+  const TagList tags(context.folder);
+  std::set<UUID> kept;
+  for (const auto& title : *page.tags) kept.insert(tags.find(title).id);
+  page.edit.tags = *page.tags;
+  for (const auto& tag : tags.manager().tags()) {
+    if (!kept.contains(tag.id)) page.edit.untags.push_back(tag.title);
+  }
+}
+
+void editFromBody(const ServeContext& context, const httplib::Request& request, const std::string& body,
+                  httplib::Response& response) {
+  PageEdit page = parseReadingEdit(request.matches[1].str(), body);
+  resolveTagSet(context, page);
+  startChange(page.command);
+  answerReading(context, editReading(context.folder, page.edit).reading, response);
+}
+
+void deleteReading(const ServeContext& context, const httplib::Request& request,
+                   httplib::Response& response) {
+  const std::string id = request.matches[1].str();
+  startChange({"delete", id});
+  const auto deleted = deleteReadings(context.folder, {id});
+  std::ostringstream out;
+  JsonWriter(out).beginObject().key("message").string(deleted.front()).endObject();
+  response.set_content(out.str(), jsonType);
+}
+
+void undoLast(const ServeContext& context, httplib::Response& response) {
+  const UndoneChange undone = undoLastChange(context.folder);
+  std::ostringstream out;
+  JsonWriter json(out);
+  json.beginObject().key("undid").string(undone.commandLine).key("changes").beginArray();
+  for (const auto& line : undone.changes) json.string(line);
+  json.endArray().endObject();
   response.set_content(out.str(), jsonType);
 }
 
@@ -160,23 +197,6 @@ void printableReport(const ServeContext& context, const httplib::Request& reques
   response.set_content(reportHtml(report), "text/html; charset=utf-8");
 }
 
-// Runs an API handler under the log's mutex, with answers never cached, and turns the refusals of the
-// shared command code into 4xx answers carrying its message.
-template <typename Handler>
-httplib::Server::Handler api(ServeContext& context, Handler handler) {
-  return [&context, handler](const httplib::Request& request, httplib::Response& response) {
-    response.set_header("Cache-Control", "no-store");
-    try {
-      const std::lock_guard hold(context.logAccess);
-      handler(request, response);
-    } catch (const MalformedRequest& error) {
-      answerError(response, 400, error.what());
-    } catch (const ToolError& error) {
-      answerError(response, 422, error.what());
-    }
-  };
-}
-
 void serveAsset(const ServeContext& context, const httplib::Request& request, httplib::Response& response) {
   const auto asset = findWebAsset(request.path);
   if (!asset) return answerError(response, 404, "no such page: " + request.path);
@@ -188,16 +208,34 @@ void serveAsset(const ServeContext& context, const httplib::Request& request, ht
   response.set_content(body, std::string(asset->contentType));
 }
 
+// Why a request's body is refused before it is read, or nullopt. The server's own limit is the upload's,
+// which only the import route may use; every other route takes small JSON at most. A body without a
+// length (chunked) is held to maxBodyBytes as it is read, by withSmallBody.
+std::optional<Refusal> bodyRefusal(const httplib::Request& request) {
+  if (request.path == importPath) return std::nullopt;
+  const auto length = header(request, "Content-Length");
+  if (!length) return std::nullopt;
+  std::size_t bytes = 0;
+  const auto [end, error] = std::from_chars(length->data(), length->data() + length->size(), bytes);
+  if (error != std::errc{} || end != length->data() + length->size() || bytes > maxBodyBytes)
+    return Refusal{413, "the request body is too large"};
+  return std::nullopt;
+}
+
 }  // namespace
 
 void installRoutes(httplib::Server& server, ServeContext& context) {
-  server.set_payload_max_length(maxBodyBytes);
+  server.set_payload_max_length(maxImportFileBytes);
   server.set_pre_routing_handler([&context](const httplib::Request& request, httplib::Response& response) {
     setSecurityHeaders(response);
     const RequestFacts facts{request.method, header(request, "Host"), header(request, "Origin"),
                              header(request, tokenHeader)};
-    if (const auto refusal = refusalOf(facts, context.port, context.token)) {
+    auto refusal = refusalOf(facts, context.port, context.token);
+    if (!refusal) refusal = bodyRefusal(request);
+    if (refusal) {
       answerError(response, refusal->status, refusal->message);
+      // The body, if any, stays unread: the connection can't carry another request.
+      response.set_header("Connection", "close");
       return httplib::Server::HandlerResponse::Handled;
     }
     return httplib::Server::HandlerResponse::Unhandled;
@@ -225,23 +263,36 @@ void installRoutes(httplib::Server& server, ServeContext& context) {
         answerError(response, 500, message);
       });
 
-  server.Get("/api/readings", api(context, [&context](const auto& request, auto& response) {
+  server.Get("/api/readings", api(context.logAccess, [&context](const auto& request, auto& response) {
                listReadings(context, request, response);
              }));
-  server.Post("/api/readings", api(context, [&context](const auto& request, auto& response) {
-                addFromBody(context, request, response);
+  server.Post("/api/readings",
+              withSmallBody(context.logAccess, [&context](const auto&, const auto& body, auto& response) {
+                addFromBody(context, body, response);
               }));
-  server.Get("/api/summary", api(context, [&context](const auto& request, auto& response) {
+  // An id is a reading's UUID, or a unique start of it of at least four characters, as `edit` takes it.
+  constexpr const char* oneReading = R"(/api/readings/([0-9A-Za-z-]+))";
+  server.Patch(oneReading, withSmallBody(context.logAccess,
+                                         [&context](const auto& request, const auto& body, auto& response) {
+                                           editFromBody(context, request, body, response);
+                                         }));
+  server.Delete(oneReading, api(context.logAccess, [&context](const auto& request, auto& response) {
+                  deleteReading(context, request, response);
+                }));
+  server.Post("/api/undo", api(context.logAccess,
+                               [&context](const auto&, auto& response) { undoLast(context, response); }));
+  server.Get("/api/summary", api(context.logAccess, [&context](const auto& request, auto& response) {
                summarise(context, request, response);
              }));
-  server.Get("/api/chart.svg", api(context, [&context](const auto& request, auto& response) {
+  server.Get("/api/chart.svg", api(context.logAccess, [&context](const auto& request, auto& response) {
                chartPicture(context, request, response);
              }));
-  server.Get("/report", api(context, [&context](const auto& request, auto& response) {
+  server.Get("/report", api(context.logAccess, [&context](const auto& request, auto& response) {
                printableReport(context, request, response);
              }));
-  server.Get("/api/tags",
-             api(context, [&context](const auto&, auto& response) { listTags(context, response); }));
+  server.Get("/api/tags", api(context.logAccess,
+                              [&context](const auto&, auto& response) { listTags(context, response); }));
+  installTransferRoutes(server, context);
   for (const char* path : {"/", "/app.js", "/style.css"}) {
     server.Get(path, [&context](const httplib::Request& request, httplib::Response& response) {
       serveAsset(context, request, response);

@@ -21,7 +21,8 @@ struct ServeContext {
   std::mutex logAccess;
 };
 
-// Largest request body accepted; a reading is a few hundred bytes.
+// Largest request body accepted but for an import's upload (maxImportFileBytes); a reading is a few
+// hundred bytes.
 constexpr std::size_t maxBodyBytes = 64 * 1024;
 
 // Installs the checks, the security headers, the page's files and the JSON API under /api/ on a server.

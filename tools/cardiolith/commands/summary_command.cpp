@@ -2,6 +2,7 @@
 #include <cardiolith/model/collection.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <limits>
@@ -55,6 +56,14 @@ std::string changeCell(std::optional<float> change) {
   return arrow + formatted("%+.1f%%", value);
 }
 
+// An average as the summarizer classifies it: truncated toward zero, saturating beyond the int64 range.
+std::int64_t classifiedValue(float average) {
+  constexpr float twoToThe63 = 0x1p63f;
+  if (average >= twoToThe63) return std::numeric_limits<std::int64_t>::max();
+  if (average < -twoToThe63) return std::numeric_limits<std::int64_t>::min();
+  return static_cast<std::int64_t>(average);
+}
+
 void printText(const ReadingsSummary& summary, const Period& period, const ComparedCounts& counts) {
   std::cout << period.name << " (" << period.bounds() << "): " << readingCount(counts.current) << "\n";
   if (counts.previousPeriod) {
@@ -81,9 +90,10 @@ void printText(const ReadingsSummary& summary, const Period& period, const Compa
                 changeCell(summary.pulseChange())});
   table.print(std::cout);
   if (!summary.previousPreviousAverage()) std::cout << "(no readings in the period before, so no change)\n";
-  const auto category = *summary.currentPeriodAverageAnalysis();
-  std::cout << "\nCategory of the average: " << categoryName(category) << " (" << categoryRule(category)
-            << ")\n";
+  const auto& average = *summary.currentPeriodAverage();
+  std::cout << "\nCategory of the average: "
+            << categoryWithRule(classifiedValue(average.systolic()), classifiedValue(average.diastolic()))
+            << "\n";
 }
 
 void runSummary(const SummaryOptions& options, const GlobalOptions& global) {

@@ -57,9 +57,6 @@ int parseAndRun(int argc, char** argv) {
   app.add_subcommand("version", "Print the version")->callback([] {
     std::cout << "cardiolith " << kVersion << '\n';
   });
-  app.footer(
-      "Start with:  cardiolith add 128/82 --pulse 71\n"
-      "Each command has its own --help.");
 
   addAddCommand(app, global);
   addEditCommand(app, global);
@@ -77,6 +74,11 @@ int parseAndRun(int argc, char** argv) {
   addInfoCommand(app, global);
   addServeCommand(app, global);
   addCompletionCommand(app);
+  // Set after the commands, which would otherwise each repeat it under their own --help. The blank line
+  // keeps the two sentences apart in the manual page too.
+  app.footer(
+      "Start with:  cardiolith add 128/82 --pulse 71\n\n"
+      "Each command has its own --help.");
   requireDecimalIntegers(app);
 
   try {

@@ -47,11 +47,10 @@ Readings loadExisting(ReadingsStore& store, ReadingsLog::Access access) {
   } catch (const std::exception& error) {
     std::string message =
         "can't read the readings file " + store.localDataPath().string() + ": " + error.what();
-    if (access == ReadingsLog::Access::change) {
-      message +=
-          "\nNothing was changed: the file is left exactly as it is. Move it aside (or restore it from a "
-          "backup) before adding to the log.";
-    }
+    message += access == ReadingsLog::Access::change
+                   ? "\nNothing was changed: the file is left exactly as it is. Move it aside (or restore it "
+                     "from a backup) before adding to the log."
+                   : "\nRestore it from a backup, or move it aside to start a new log; nothing was changed.";
     throw ToolError(message);
   }
 }

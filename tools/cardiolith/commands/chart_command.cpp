@@ -14,6 +14,7 @@
 #include "log/tag_list.hpp"
 #include "render/cairo_output.hpp"
 #include "render/period_chart.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -63,7 +64,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
     return;
   }
   writeOutputFile(options.out, bytes, folder.ownFiles());
-  std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
+  std::cout << "Wrote a chart of " << readingCount(selection.size()) << " to " << options.out << '\n';
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "log/output_file.hpp"
 #include "log/tag_list.hpp"
 #include "render/category_text.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -56,7 +57,7 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
     return;
   }
   writeOutputFile(*options.out, text, folder.ownFiles());
-  std::cout << "Exported " << selection.size() << " readings to " << *options.out << '\n';
+  std::cout << "Exported " << readingCount(selection.size()) << " to " << *options.out << '\n';
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ void printReadings(ReadingsLog& log, const DataFolder& folder) {
     return;
   }
   const auto& readings = log.readings();
-  std::cout << "\n  " << readings.size() << (readings.size() == 1 ? " reading" : " readings");
+  std::cout << "\n  " << readingCount(readings.size());
   if (!readings.empty()) {
     const auto [first, last] = std::minmax_element(
         readings.begin(), readings.end(), [](const auto& a, const auto& b) { return a->date() < b->date(); });

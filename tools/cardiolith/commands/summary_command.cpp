@@ -32,10 +32,6 @@ struct SummaryOptions {
 
 constexpr std::int64_t defaultDays = 7;
 
-std::string readingCount(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " reading" : " readings");
-}
-
 std::string formatted(const char* format, double value) {
   char buffer[64];
   std::snprintf(buffer, sizeof buffer, format, value);

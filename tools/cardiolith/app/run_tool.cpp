@@ -86,7 +86,7 @@ int parseAndRun(int argc, char** argv) {
   } catch (const CLI::Success& request) {  // --help, --version
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "cardiolith: " << usageErrorText(error, parsedCommand(app)) << '\n';
+    std::cerr << "cardiolith: " << usageErrorText(error, app) << '\n';
     return usageError;
   }
   if (app.get_subcommands().empty()) std::cout << app.help();

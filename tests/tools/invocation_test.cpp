@@ -60,8 +60,14 @@ TEST_F(InvocationTest, BashCompletionOffersCommandsOptionsAndValues) {
             "source \"$1\"; shift\n"
             "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _cardiolith; echo \"${COMPREPLY[*]}\"\n");
   const std::vector<std::pair<Arguments, std::string>> cases{
-      {{"ex"}, "export"},          {{"tags", "a"}, "add"},      {{"export", "--format", ""}, "csv tsv"},
-      {{"--color", "n"}, "never"}, {{"list", "--w"}, "--wide"}, {{"completion", "f"}, "fish"},
+      {{"ex"}, "export"},
+      {{"tags", "a"}, "add"},
+      {{"export", "--format", ""}, "csv tsv json fhir"},
+      {{"report", "--format", "h"}, "html"},
+      {{"list", "--color", "a"}, "auto always"},
+      {{"--color", "n"}, "never"},
+      {{"list", "--w"}, "--wide"},
+      {{"completion", "f"}, "fish"},
   };
   for (const auto& [words, expected] : cases) {
     std::string command = "bash " + driver.string() + " " + script.string() + " cardiolith";

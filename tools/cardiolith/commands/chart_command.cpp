@@ -33,6 +33,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   PeriodOptions choice = options.period;
   if (options.days) choice.last = std::to_string(*options.days);
   Period period = choosePeriod(choice, dates, defaultDays);
+  refuseStartAfterNow(period, options.period.from, dates);
   const bool toStandardOutput = options.out == "-";
   const auto format = toStandardOutput ? std::optional{ImageFormat::svg} : imageFormatOf(options.out);
   if (!format) {

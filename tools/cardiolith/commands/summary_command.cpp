@@ -97,14 +97,8 @@ void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
   PeriodOptions choice = options.period;
   if (options.days) choice.last = std::to_string(*options.days);
   Period period = choosePeriod(choice, dates, defaultDays);
+  refuseStartAfterNow(period, options.period.from, dates);
   if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) {
-    // Without --to the period ends now, so a start after now is the start's fault, and the message says so.
-    if (period.start > dates.now()) {
-      throw ToolError("--from: " + options.period.from.value_or("") +
-                      " is in the future, and the period runs from it to now; give a day before today, e.g. "
-                      "--from " +
-                      displayDateFormatter().string(dates.now().addingDays(-30)).substr(0, 10));
-    }
     period.end = dates.now();
     period.name += " to now";
   }

@@ -136,6 +136,8 @@ INSTANTIATE_TEST_SUITE_P(
          {"chart", "--days", "9999", "--out", "{data}/./readings"},
          1,
          "end it in .svg, .png or .pdf"},
+        {"ExportToNoName", {"export", "--out", ""}, 1, "--out: the file name is empty; name a file"},
+        {"ReportBadThreshold", {"report", "--threshold", "13080"}, 1, "--threshold: \"13080\" is not a"},
         {"ReportOverTheLog", {"report", "-o", "{data}/./readings"}, 1, kOverTheLog},
         {"ChartEmptyPeriod", {"chart", "--out", "{data}/chart.svg"}, 1, "no readings in that period ("},
         {"SampleOverALog", {"sample"}, 1, "already holds 1 reading, and sample readings would mix"},

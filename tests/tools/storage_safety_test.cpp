@@ -39,6 +39,8 @@ TEST_F(StorageSafetyTest, ReadOnlyCommandsCreateNoFolderAndNoFile) {
                                        {"classify", "120/80"},
                                        {"tags"},
                                        {"info"},
+                                       {"report"},
+                                       {"undo"},  // with nothing to undo
                                        {"chart", "--out", (root_ / "chart.svg").string()}};
   for (const auto& arguments : readers) run(arguments);
   EXPECT_FALSE(fs::exists(data_));

@@ -1,5 +1,6 @@
 #include <cardiolith/model/json.hpp>
 #include <cardiolith/model/tag.hpp>
+#include <filesystem>
 #include <iostream>
 #include <map>
 #include <string>
@@ -9,6 +10,7 @@
 #include "log/data_folder.hpp"
 #include "log/folder_lock.hpp"
 #include "render/reading_text.hpp"
+#include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
@@ -56,29 +58,34 @@ std::string tagChanges(const ChangeHistory::RestoredFile& file) {
   if (!file.before || file.before == "[]") return "  the tags are the ten default ones again\n";
   const auto before = decoded<std::vector<Tag>>(file.before), after = decoded<std::vector<Tag>>(file.after);
   if (!before || !after) return "  restored " + file.path.string() + "\n";
+  // Titles come from the files, which may have been edited by hand: shown on one line, without controls.
   std::map<UUID, Tag> old;
   for (const auto& tag : *after) old.emplace(tag.id, tag);
   std::string text;
   for (const auto& tag : *before) {
     const auto match = old.find(tag.id);
     if (match == old.end()) {
-      text += "  brought back the tag \"" + tag.title + "\"\n";
+      text += "  brought back the tag \"" + singleLine(tag.title) + "\"\n";
       continue;
     }
     if (match->second.title != tag.title) {
-      text += "  renamed the tag \"" + match->second.title + "\" back to \"" + tag.title + "\"\n";
+      text += "  renamed the tag \"" + singleLine(match->second.title) + "\" back to \"" +
+              singleLine(tag.title) + "\"\n";
     }
     old.erase(match);
   }
-  for (const auto& [id, tag] : old) text += "  removed the tag \"" + tag.title + "\"\n";
+  for (const auto& [id, tag] : old) text += "  removed the tag \"" + singleLine(tag.title) + "\"\n";
   return text;
 }
 
 void runUndo(const GlobalOptions& global) {
   const DataFolder folder(global);
+  // Without a data folder there is no change to take back, and nothing to create for finding that out.
+  if (!std::filesystem::is_directory(folder.path()))
+    throw ToolError(std::string(ChangeHistory::nothingToUndo));
   const FolderLock lock = folder.lockForChange();
   const auto undone = ChangeHistory(folder.historyFile()).undoLast();
-  std::string report = "Undid: cardiolith " + undone.commandLine + "\n";
+  std::string report = "Undid: cardiolith " + singleLine(undone.commandLine) + "\n";
   for (const auto& file : undone.files) {
     report += file.path.filename() == "tags" ? tagChanges(file) : readingChanges(file);
   }

@@ -54,7 +54,7 @@ struct ImportFile::Archive {
       zip_error_init_with_code(&details, error);
       const std::string message = zip_error_strerror(&details);
       zip_error_fini(&details);
-      throw ImportError(path.string() + ": not a readable zip archive (" + message + ")");
+      throw ImportError("not a readable zip archive (" + message + ")");
     }
     const zip_int64_t count = zip_get_num_entries(archive, 0);
     for (zip_int64_t i = 0; i < count; ++i) {
@@ -69,7 +69,7 @@ struct ImportFile::Archive {
       return;
     }
     zip_discard(archive);
-    throw ImportError(path.string() + ": the zip archive holds no " + std::string(kHealthExportMember));
+    throw ImportError("the zip archive holds no " + std::string(kHealthExportMember));
   }
   ~Archive() {
     stream.reset();
@@ -110,7 +110,7 @@ ImportFormat detectImportFormat(std::string_view head) {
 ImportFile::ImportFile(const std::filesystem::path& path, std::optional<ImportFormat> format,
                        const ReaderOptions& options) {
   file_.open(path, std::ios::binary);
-  if (!file_) throw ImportError(path.string() + ": cannot open the file (" + std::strerror(errno) + ")");
+  if (!file_) throw ImportError(std::string("cannot open the file (") + std::strerror(errno) + ")");
   std::array<char, 4096> head{};
   file_.read(head.data(), head.size());
   const std::string_view headText(head.data(), static_cast<std::size_t>(file_.gcount()));

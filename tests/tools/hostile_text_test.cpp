@@ -10,7 +10,7 @@ using ::testing::Not;
 using HostileTextTest = ToolTest;
 
 // Terminal escapes (CSI as ESC [ and as the C1 byte), an OSC title change, a bell and a right-to-left
-// override, each in a note and a tag title; none reaches the output of list or tags.
+// override, each in a note and a tag title; none reaches the output of list, undo or tags.
 TEST_F(HostileTextTest, ControlCharactersAndOverridesNeverReachTheOutput) {
   const std::vector<std::string> hostile{"\x1b[2J\x1b[31mred",
                                          "\xc2\x9b"
@@ -27,8 +27,9 @@ TEST_F(HostileTextTest, ControlCharactersAndOverridesNeverReachTheOutput) {
   }
   writeFile(tagsFile_, tags + "]");
   for (const auto& text : hostile) succeed({"add", "120/80/60", "--force", "--note", text});
+  succeed({"tags", "delete", hostile.front()});  // undo names the tag it brings back
 
-  for (const Arguments& command : {Arguments{"list"}, Arguments{"tags"}}) {
+  for (const Arguments& command : {Arguments{"list"}, Arguments{"undo"}, Arguments{"tags"}}) {
     const std::string out = succeed(command);
     for (const std::string forbidden : {"\x1b", "\x07", "\xc2\x9b", "\xe2\x80\xae", "\xe2\x81\xa6"})
       EXPECT_THAT(out, Not(HasSubstr(forbidden))) << command.front();

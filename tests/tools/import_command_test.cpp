@@ -117,6 +117,9 @@ TEST_F(ImportCommandTest, RefusesWhatItCannotRead) {
     EXPECT_EQ(result.exitCode, 1) << c.name;
     EXPECT_THAT(result.err, HasSubstr(c.message)) << c.name;
   }
+  const auto missing = (root_ / "missing.csv").string();  // named once, not twice
+  EXPECT_THAT(run({"import", missing}).err,
+              HasSubstr("nothing imported: " + missing + ": cannot open the file ("));
   EXPECT_EQ(listed().size(), 3u);
 }
 

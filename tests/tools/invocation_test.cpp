@@ -48,8 +48,14 @@ TEST_F(InvocationTest, BashCompletionOffersCommandsOptionsAndValues) {
             "source \"$1\"; shift\n"
             "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _cardiolith; echo \"${COMPREPLY[*]}\"\n");
   const std::vector<std::pair<Arguments, std::string>> cases{
-      {{"ex"}, "export"},          {{"tags", "a"}, "add"},      {{"export", "--format", ""}, "csv tsv"},
-      {{"--color", "n"}, "never"}, {{"list", "--w"}, "--wide"}, {{"completion", "f"}, "fish"},
+      {{"ex"}, "export"},
+      {{"tags", "a"}, "add"},
+      {{"export", "--format", ""}, "csv tsv json fhir"},
+      {{"report", "--format", "h"}, "html"},
+      {{"list", "--color", "a"}, "auto always"},
+      {{"--color", "n"}, "never"},
+      {{"list", "--w"}, "--wide"},
+      {{"completion", "f"}, "fish"},
   };
   for (const auto& [words, expected] : cases) {
     std::string command = "bash " + driver.string() + " " + script.string() + " cardiolith";
@@ -68,8 +74,22 @@ TEST_F(InvocationTest, ParserErrorsSayWhatIsExpected) {
        "--pulse takes a whole number of beats per minute, e.g. --pulse 71"},
       {{"sample", "--count", "0"},
        "--count takes a whole number of readings from 1 to 100000, e.g. --count 30"},
-      {{"export", "--format", "xls"}, "--format takes csv or tsv, e.g. --format tsv"},
-      {{"list", "--bogus"}, "--bogus\nSee cardiolith list --help for what it takes."},
+      {{"export", "--format", "xls"},
+       "--format takes csv, tsv, json or fhir, e.g. cardiolith export --format csv"},
+      {{"report", "--format", "doc"}, "--format takes text, html or pdf"},
+      {{"completion", "tcsh"}, "the shell takes bash, zsh or fish, e.g. cardiolith completion bash"},
+      {{"list", "--bogus"},
+       "cardiolith list has no option --bogus; it takes --from, --to, --last, --tag, --reverse, --wide or "
+       "--json\n"
+       "See cardiolith list --help for what it takes."},
+      {{"frobnicate"}, "cardiolith has no command \"frobnicate\"; it takes version, add, edit,"},
+      {{"tags", "frob"}, "cardiolith tags has no command \"frob\"; it takes list, add, rename or delete"},
+      {{"classify", "120/80", "extra"}, "cardiolith classify takes nothing more; \"extra\" was not expected"},
+      {{"add"}, "cardiolith add needs the reading: Systolic/diastolic in mmHg (128/82)"},
+      {{"chart"}, "cardiolith chart needs --out: The picture to write"},
+      {{"add", "120/80", "--pulse"},
+       "--pulse needs a value: a whole number of beats per minute, e.g. --pulse 71"},
+      {{"report", "--to", "2026-11-20"}, "--to needs --from as well"},
   };
   for (const auto& [arguments, message] : cases) {
     const auto result = run(arguments);

@@ -1,5 +1,7 @@
 // list, summary and export over one small log.
 
+#include <algorithm>
+
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {
@@ -97,6 +99,29 @@ TEST_F(EmptyLogTest, ReportsSayHowToAddAReading) {
   for (const auto& command : {"list", "summary"})
     EXPECT_THAT(succeed({command}), MatchesRegex("The log is empty.*\n  cardiolith add 128/82 --pulse 71\n"));
   EXPECT_EQ(succeed({"list", "--json"}), "{\"readings\":[]}\n");
+}
+
+// A pair that the library calls unreadable is shown with the row of the table it missed wherever a person
+// reads its category (lines joined, since a report wraps them); JSON keeps the library's id.
+TEST_F(EmptyLogTest, APairOutsideTheCategoryTableIsToldWhichRowItMissed) {
+  succeed({"add", "85/70/60", "--at", "yesterday 8:00"});
+  succeed({"add", "86/71/60", "--at", "yesterday 20:00"});  // averages 85.5/70.5
+  const auto missed = [](int systolic, int diastolic) {
+    const std::string s = std::to_string(systolic), d = std::to_string(diastolic);
+    return "No category (outside the table) (systolic " + s + " is in the Low row (systolic 89 or less), " +
+           "but diastolic " + d + " is not (diastolic 59 or less))";
+  };
+  const std::vector<std::pair<Arguments, std::string>> cases{
+      {{"list"}, "No category\n\n86/71 mmHg: " + missed(86, 71) + "\n85/70 mmHg: " + missed(85, 70) + "\n"},
+      {{"summary"}, "Category of the average: " + missed(85, 70) + "\n"},  // truncated, as classified
+      {{"report", "--keep-first-day"}, "Category of the average: " + missed(86, 71) + "."},  // rounded
+  };
+  for (const auto& [command, text] : cases) {
+    auto shown = succeed(command);
+    if (command[0] == "report") std::replace(shown.begin(), shown.end(), '\n', ' ');
+    EXPECT_THAT(shown, HasSubstr(text)) << command[0];
+  }
+  EXPECT_EQ(listed()[0]["category"], "unreadable");
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ class TerminalSessionTest : public ToolTest {
   TerminalSessionTest() {
     succeed({"add", "185/95/80", "--note", std::string(120, 'n')});
     succeed({"add", "118/76/60", "--note", "short"});
+    succeed({"add", "85/70/60"});  // outside the category table: explained below the table
   }
 
   // Runs the tool on a pseudo-terminal `columns` wide and returns what it showed.
@@ -77,6 +78,7 @@ TEST_F(TerminalSessionTest, ListFitsTheTerminalUnlessWide) {
     EXPECT_LE(displayedLength(line.substr(0, line.find('\r'))), 70u) << line;
   }
   EXPECT_THAT(onTerminal({"--color", "never", "list"}, 70), HasSubstr("nnn\u2026"));
+  EXPECT_THAT(onTerminal({"--color", "never", "list"}, 70), HasSubstr("85/70 mmHg: No category"));
   EXPECT_THAT(onTerminal({"--color", "never", "list", "--wide"}, 70), HasSubstr(std::string(120, 'n')));
   EXPECT_THAT(succeed({"list"}), HasSubstr(std::string(120, 'n')));  // piped: whole
 }

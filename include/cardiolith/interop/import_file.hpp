@@ -31,8 +31,8 @@ enum class ImportFormat {
 // the archive, never unpacked to disk.
 class ImportFile {
  public:
-  // Throws ImportError when the file cannot be opened, or a zip archive holds no export.xml; and what
-  // the reader's construction throws.
+  // Throws ImportError when the file cannot be opened, or a zip archive holds no export.xml, and what the
+  // reader's construction throws; the message leaves naming the file to the caller.
   ImportFile(const std::filesystem::path& path, std::optional<ImportFormat> format,
              const ReaderOptions& options);
   ~ImportFile();

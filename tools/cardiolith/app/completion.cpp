@@ -1,5 +1,6 @@
 #include "app/completion.hpp"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <vector>
@@ -13,7 +14,18 @@ struct OptionWords {
   std::vector<std::string> names;  // with their dashes: "--pulse", "-p"
   bool takesValue = false;
   std::string description;
+  std::string values;  // the fixed values it takes, space-separated ("csv tsv json fhir"); empty: any
 };
+
+// The values of an option checked against a set, which the parser shows in its type: "TEXT:{csv,tsv}".
+std::string valuesOf(const CLI::Option& option) {
+  const std::string type = option.get_type_name();
+  const auto open = type.find(":{"), close = type.rfind('}');
+  if (open == std::string::npos || close == std::string::npos || close < open) return "";
+  std::string values = type.substr(open + 2, close - open - 2);
+  std::replace(values.begin(), values.end(), ',', ' ');
+  return values;
+}
 
 struct CommandWords {
   std::string path;  // "add", "tags add"
@@ -27,7 +39,7 @@ std::vector<OptionWords> optionsOf(const CLI::App& app) {
   std::vector<OptionWords> options;
   for (const CLI::Option* option : app.get_options()) {
     if (!option->nonpositional()) continue;
-    OptionWords words{{}, option->get_type_size() > 0, option->get_description()};
+    OptionWords words{{}, option->get_type_size() > 0, option->get_description(), valuesOf(*option)};
     for (const auto& name : option->get_lnames()) words.names.push_back("--" + name);
     for (const auto& name : option->get_snames()) words.names.push_back("-" + name);
     options.push_back(std::move(words));
@@ -43,13 +55,6 @@ void collect(const CLI::App& app, const std::string& prefix, std::vector<Command
     commands.push_back(words);
     collect(*sub, words.path + " ", commands);
   }
-}
-
-// The fixed values an option takes, as words for a shell.
-std::string valuesOf(std::string_view option) {
-  if (option == "--color" || option == "--colour") return "auto always never";
-  if (option == "--format") return "csv tsv";
-  return "";
 }
 
 std::string joinedWords(const std::vector<std::string>& words) {
@@ -84,8 +89,6 @@ std::string bashScript(const CLI::App& app, const std::vector<CommandWords>& com
       "  local cur=\"${COMP_WORDS[COMP_CWORD]}\" prev=\"${COMP_WORDS[COMP_CWORD-1]}\"\n"
       "  case \"$prev\" in\n"
       "    --out|-o|--data-dir) COMPREPLY=($(compgen -f -- \"$cur\")); return ;;\n"
-      "    --color|--colour) COMPREPLY=($(compgen -W 'auto always never' -- \"$cur\")); return ;;\n"
-      "    --format) COMPREPLY=($(compgen -W 'csv tsv' -- \"$cur\")); return ;;\n"
       "    completion) COMPREPLY=($(compgen -W 'bash zsh fish' -- \"$cur\")); return ;;\n"
       "  esac\n"
       "  local path=\"\" word i\n"
@@ -94,10 +97,31 @@ std::string bashScript(const CLI::App& app, const std::vector<CommandWords>& com
       "    case \"${path:+$path }$word\" in\n";
   for (const auto& command : commands)
     script += "      " + quotedForShell(command.path) + ") path=\"${path:+$path }$word\" ;;\n";
+  // An option's fixed values depend on the command ("export --format" and "report --format" differ); the
+  // top-level options are taken after any command too.
   script +=
       "    esac\n"
       "  done\n"
       "  local words\n"
+      "  case \"$path $prev\" in\n";
+  for (const auto& option : optionsOf(app)) {
+    for (const auto& name : option.names) {
+      if (!option.values.empty())
+        script += "    *" + quotedForShell(" " + name) + ") words=" + quotedForShell(option.values) + " ;;\n";
+    }
+  }
+  for (const auto& command : commands) {
+    for (const auto& option : command.options) {
+      for (const auto& name : option.names) {
+        if (option.values.empty()) continue;
+        script += "    " + quotedForShell(command.path + " " + name) +
+                  ") words=" + quotedForShell(option.values) + " ;;\n";
+      }
+    }
+  }
+  script +=
+      "  esac\n"
+      "  if [ -n \"${words+set}\" ]; then COMPREPLY=($(compgen -W \"$words\" -- \"$cur\")); return; fi\n"
       "  case \"$path\" in\n"
       "    '') words=" +
       quotedForShell(joinedWords(topWords)) + " ;;\n";
@@ -122,8 +146,7 @@ std::string fishScript(const CLI::App& app, const std::vector<CommandWords>& com
     for (const auto& name : option.names)
       line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
     if (option.takesValue) {
-      const auto values = valuesOf(option.names.front());
-      line += values.empty() ? " -r -F" : " -x -a " + quotedForShell(values);
+      line += option.values.empty() ? " -r -F" : " -x -a " + quotedForShell(option.values);
     }
     return line + " -d " + quotedForShell(option.description) + "\n";
   };

@@ -44,9 +44,6 @@ int parseAndRun(int argc, char** argv) {
   app.add_subcommand("version", "Print the version")->callback([] {
     std::cout << "cardiolith " << kVersion << '\n';
   });
-  app.footer(
-      "Start with:  cardiolith add 128/82 --pulse 71\n"
-      "Each command has its own --help.");
 
   addAddCommand(app, global);
   addEditCommand(app, global);
@@ -64,6 +61,11 @@ int parseAndRun(int argc, char** argv) {
   addInfoCommand(app, global);
   addServeCommand(app, global);
   addCompletionCommand(app);
+  // Set after the commands, which would otherwise each repeat it under their own --help. The blank line
+  // keeps the two sentences apart in the manual page too.
+  app.footer(
+      "Start with:  cardiolith add 128/82 --pulse 71\n\n"
+      "Each command has its own --help.");
   requireDecimalIntegers(app);
 
   try {
@@ -71,7 +73,7 @@ int parseAndRun(int argc, char** argv) {
   } catch (const CLI::Success& request) {  // --help, --version
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "cardiolith: " << usageErrorText(error, parsedCommand(app)) << '\n';
+    std::cerr << "cardiolith: " << usageErrorText(error, app) << '\n';
     return usageError;
   }
   if (app.get_subcommands().empty()) std::cout << app.help();

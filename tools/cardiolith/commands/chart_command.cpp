@@ -14,6 +14,7 @@
 #include "log/tag_list.hpp"
 #include "render/cairo_output.hpp"
 #include "render/period_chart.hpp"
+#include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -32,6 +33,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
   PeriodOptions choice = options.period;
   if (options.days) choice.last = std::to_string(*options.days);
   Period period = choosePeriod(choice, dates, defaultDays);
+  refuseStartAfterNow(period, options.period.from, dates);
   const bool toStandardOutput = options.out == "-";
   const auto format = toStandardOutput ? std::optional{ImageFormat::svg} : imageFormatOf(options.out);
   if (!format) {
@@ -63,7 +65,7 @@ void runChart(const ChartOptions& options, const GlobalOptions& global) {
     return;
   }
   writeOutputFile(options.out, bytes, folder.ownFiles());
-  std::cout << "Wrote a chart of " << selection.size() << " readings to " << options.out << '\n';
+  std::cout << "Wrote a chart of " << readingCount(selection.size()) << " to " << options.out << '\n';
 }
 
 }  // namespace

@@ -34,10 +34,7 @@ void runClassify(const ClassifyOptions& options) {
   }
   std::cout << input.systolic << '/' << input.diastolic << " mmHg"
             << (input.pulse ? ", pulse " + std::to_string(*input.pulse) : "") << ": "
-            << categoryName(category) << " ("
-            << (category == BloodPressureAnalysis::unreadable ? missedRule(input.systolic, input.diastolic)
-                                                              : categoryRule(category))
-            << ")\n";
+            << categoryWithRule(input.systolic, input.diastolic) << "\n";
   if (isHypertensiveCrisis(input.systolic, input.diastolic)) std::cout << kCrisisAdvice << '\n';
 }
 

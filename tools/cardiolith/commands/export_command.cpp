@@ -8,6 +8,7 @@
 #include "input/period_options.hpp"
 #include "log/data_folder.hpp"
 #include "log/output_file.hpp"
+#include "render/reading_text.hpp"
 
 namespace cardiolith::tool {
 namespace {
@@ -26,7 +27,7 @@ void runExport(const ExportOptions& options, const GlobalOptions& global) {
     return;
   }
   writeOutputFile(*options.out, exported.text, folder.ownFiles());
-  std::cout << "Exported " << exported.count << " readings to " << *options.out << '\n';
+  std::cout << "Exported " << readingCount(exported.count) << " to " << *options.out << '\n';
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ void printReadings(ReadingsLog& log, const DataFolder& folder) {
     return;
   }
   const auto& readings = log.readings();
-  std::cout << "\n  " << readings.size() << (readings.size() == 1 ? " reading" : " readings");
+  std::cout << "\n  " << readingCount(readings.size());
   if (!readings.empty()) {
     const auto [first, last] = std::minmax_element(
         readings.begin(), readings.end(), [](const auto& a, const auto& b) { return a->date() < b->date(); });
@@ -59,16 +59,24 @@ void runInfo(const GlobalOptions& global) {
                     ? ""
                     : "\n  not there yet: the first change creates it")
             << '\n';
-  {
+  try {
     ReadingsLog log(folder, ReadingsLog::Access::read);
     printReadings(log, folder);
+  } catch (const ToolError& error) {
+    // What is wrong with the file is what info is asked for, and the rest is still worth showing.
+    std::string reason = error.what();
+    for (auto at = reason.find('\n'); at != std::string::npos; at = reason.find('\n', at + 3))
+      reason.replace(at, 1, "\n  ");
+    std::cout << "Readings file: " << (folder.path() / "readings").string() << "\n  " << reason << '\n';
   }
   const TagList tags(folder);
-  const auto count = tags.manager().tags().size();
+  const auto count = std::to_string(tags.manager().tags().size());
   std::cout << "Tags file: " << folder.tagsFile().string() << "\n  "
-            << (std::filesystem::exists(folder.tagsFile()) ? std::to_string(count) + " tags"
-                                                           : "not there yet: the " + std::to_string(count) +
-                                                                 " default tags are used until a tag changes")
+            << (!std::filesystem::exists(folder.tagsFile())
+                    ? "not there yet: the " + count + " default tags are used until a tag changes"
+                : tags.manager().loadFailed()
+                    ? "can't be read (see the message above): the " + count + " default tags stand in for it"
+                    : count + " tags")
             << "\nLock: the data folder itself, locked while a command changes the log\n";
 }
 

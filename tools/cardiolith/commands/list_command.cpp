@@ -2,11 +2,15 @@
 #include <cardiolith/analysis/blood_pressure_analysis.hpp>
 #include <cardiolith/model/reading_lookup.hpp>
 #include <cardiolith/platform/date.hpp>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "commands/commands.hpp"
 #include "input/date_input.hpp"
@@ -33,6 +37,40 @@ BloodPressureAnalysis categoryOf(const Reading& reading) {
   return BloodPressureAnalyzer::result(reading.systolic(), reading.diastolic());
 }
 
+// A pair outside the table is explained below it, so its cell can stay short enough for the line to fit.
+std::string categoryCell(BloodPressureAnalysis category) {
+  return category == BloodPressureAnalysis::unreadable ? "No category" : std::string(categoryName(category));
+}
+
+// The column has no room to say why a pair has no category, so each such pair is explained once below the
+// table, as classify explains it; only the first few, since a long log may hold many.
+void explainPairsOutsideTheTable(const ReadingList& readings, std::optional<std::size_t> width) {
+  constexpr std::size_t shownPairs = 5;
+  std::vector<std::pair<std::int64_t, std::int64_t>> pairs;
+  std::set<std::pair<std::int64_t, std::int64_t>> seen;
+  for (const auto& reading : readings) {
+    const std::pair pair{reading->systolic(), reading->diastolic()};
+    if (categoryOf(*reading) == BloodPressureAnalysis::unreadable && seen.insert(pair).second)
+      pairs.push_back(pair);
+  }
+  if (pairs.empty()) return;
+  std::cout << '\n';
+  for (std::size_t i = 0; i < std::min(pairs.size(), shownPairs); ++i) {
+    const auto [systolic, diastolic] = pairs[i];
+    std::cout << wordWrapped(std::to_string(systolic) + "/" + std::to_string(diastolic) +
+                                 " mmHg: " + categoryWithRule(systolic, diastolic),
+                             width)
+              << '\n';
+  }
+  if (pairs.size() > shownPairs) {
+    std::cout << wordWrapped(
+                     "and " + std::to_string(pairs.size() - shownPairs) +
+                         " more pairs outside the table; cardiolith classify SYS/DIA explains any pair",
+                     width)
+              << '\n';
+  }
+}
+
 // One row per reading; on a terminal, shortened to its width (unless --wide) and with coloured categories.
 void printTable(const ReadingList& readings, const ReadingList& log, const TagList& tags,
                 const ListOptions& options, const GlobalOptions& global) {
@@ -51,7 +89,7 @@ void printTable(const ReadingList& readings, const ReadingList& log, const TagLi
   for (const auto& reading : readings) {
     table.addRow({shortIds.at(reading.get()), displayDateFormatter().string(reading->date()),
                   std::to_string(reading->systolic()), std::to_string(reading->diastolic()),
-                  std::to_string(reading->pulse()), std::string(categoryName(categoryOf(*reading))),
+                  std::to_string(reading->pulse()), categoryCell(categoryOf(*reading)),
                   singleLine(joined(tags.titles(reading->tagIDs()), ", ")),
                   singleLine(reading->notes().value_or(""))});
   }
@@ -63,6 +101,7 @@ void printTable(const ReadingList& readings, const ReadingList& log, const TagLi
     return column == categoryColumn ? colored(padded, categoryOf(*readings[row]), style.color) : padded;
   };
   table.print(std::cout, print);
+  explainPairsOutsideTheTable(readings, print.width);
 }
 
 void runList(const ListOptions& options, const GlobalOptions& global) {

@@ -58,7 +58,13 @@ HomeMonitoringOptions analysisOptions(const ReportOptions& options) {
       analysis.evening.firstHour < analysis.morning.endHour)
     throw ToolError("--morning " + options.morning + " and --evening " + options.evening +
                     " overlap; give each reading one time of day");
-  const auto threshold = parsePressure(options.threshold, false);
+  const auto threshold = [&] {
+    try {
+      return parsePressure(options.threshold, false);
+    } catch (const ToolError& error) {
+      throw ToolError("--threshold: " + std::string(error.what()));
+    }
+  }();
   if (threshold.systolic <= 0 || threshold.diastolic <= 0)
     throw ToolError("--threshold: give two positive pressures in mmHg, e.g. 130/80");
   analysis.threshold = {threshold.systolic, threshold.diastolic};

@@ -28,8 +28,8 @@ void runSample(const SampleOptions& options, const GlobalOptions& global) {
   ReadingsLog log(folder, ReadingsLog::Access::change);
   if (!log.readings().empty() && !options.force) {
     throw ToolError("the log in " + log.file().string() + " already holds " +
-                    std::to_string(log.readings().size()) +
-                    " readings, and sample readings would mix with them.\nTry the samples in an empty folder "
+                    readingCount(log.readings().size()) +
+                    ", and sample readings would mix with them.\nTry the samples in an empty folder "
                     "with --data-dir DIR, or add --force to add them anyway.");
   }
   // The generator makes count + 1 readings, one a day back from the end date.

@@ -2,6 +2,7 @@
 #include <cardiolith/model/collection.hpp>
 #include <cardiolith/platform/date.hpp>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <limits>
@@ -31,10 +32,6 @@ struct SummaryOptions {
 
 constexpr std::int64_t defaultDays = 7;
 
-std::string readingCount(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " reading" : " readings");
-}
-
 std::string formatted(const char* format, double value) {
   char buffer[64];
   std::snprintf(buffer, sizeof buffer, format, value);
@@ -53,6 +50,14 @@ std::string changeCell(std::optional<float> change) {
   if (std::isnan(value)) return "n/a";
   const char* arrow = value > 0 ? "\u2191 " : value < 0 ? "\u2193 " : "\u2192 ";
   return arrow + formatted("%+.1f%%", value);
+}
+
+// An average as the summarizer classifies it: truncated toward zero, saturating beyond the int64 range.
+std::int64_t classifiedValue(float average) {
+  constexpr float twoToThe63 = 0x1p63f;
+  if (average >= twoToThe63) return std::numeric_limits<std::int64_t>::max();
+  if (average < -twoToThe63) return std::numeric_limits<std::int64_t>::min();
+  return static_cast<std::int64_t>(average);
 }
 
 void printText(const ReadingsSummary& summary, const Period& period, const ComparedCounts& counts) {
@@ -81,9 +86,10 @@ void printText(const ReadingsSummary& summary, const Period& period, const Compa
                 changeCell(summary.pulseChange())});
   table.print(std::cout);
   if (!summary.previousPreviousAverage()) std::cout << "(no readings in the period before, so no change)\n";
-  const auto category = *summary.currentPeriodAverageAnalysis();
-  std::cout << "\nCategory of the average: " << categoryName(category) << " (" << categoryRule(category)
-            << ")\n";
+  const auto& average = *summary.currentPeriodAverage();
+  std::cout << "\nCategory of the average: "
+            << categoryWithRule(classifiedValue(average.systolic()), classifiedValue(average.diastolic()))
+            << "\n";
 }
 
 void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
@@ -91,14 +97,8 @@ void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
   PeriodOptions choice = options.period;
   if (options.days) choice.last = std::to_string(*options.days);
   Period period = choosePeriod(choice, dates, defaultDays);
+  refuseStartAfterNow(period, options.period.from, dates);
   if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) {
-    // Without --to the period ends now, so a start after now is the start's fault, and the message says so.
-    if (period.start > dates.now()) {
-      throw ToolError("--from: " + options.period.from.value_or("") +
-                      " is in the future, and the period runs from it to now; give a day before today, e.g. "
-                      "--from " +
-                      displayDateFormatter().string(dates.now().addingDays(-30)).substr(0, 10));
-    }
     period.end = dates.now();
     period.name += " to now";
   }

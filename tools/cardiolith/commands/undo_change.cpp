@@ -2,6 +2,7 @@
 
 #include <cardiolith/model/json.hpp>
 #include <cardiolith/model/tag.hpp>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -9,6 +10,7 @@
 #include "log/change_history.hpp"
 #include "log/folder_lock.hpp"
 #include "render/reading_text.hpp"
+#include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
@@ -59,22 +61,28 @@ void addTagChanges(const ChangeHistory::RestoredFile& file, std::vector<std::str
   for (const auto& tag : *before) {
     const auto match = old.find(tag.id);
     if (match == old.end()) {
-      lines.push_back("brought back the tag \"" + tag.title + "\"");
+      lines.push_back("brought back the tag \"" + singleLine(tag.title) + "\"");
       continue;
     }
     if (match->second.title != tag.title)
-      lines.push_back("renamed the tag \"" + match->second.title + "\" back to \"" + tag.title + "\"");
+      lines.push_back("renamed the tag \"" + singleLine(match->second.title) + "\" back to \"" +
+                      singleLine(tag.title) + "\"");
     old.erase(match);
   }
-  for (const auto& [id, tag] : old) lines.push_back("removed the tag \"" + tag.title + "\"");
+  for (const auto& [id, tag] : old) lines.push_back("removed the tag \"" + singleLine(tag.title) + "\"");
 }
 
 }  // namespace
 
 UndoneChange undoLastChange(const DataFolder& folder) {
+  // Without a data folder there is no change to take back, and nothing to create for finding that out.
+  if (!std::filesystem::is_directory(folder.path()))
+    throw ToolError(std::string(ChangeHistory::nothingToUndo));
   const FolderLock lock = folder.lockForChange();
   const auto undone = ChangeHistory(folder.historyFile()).undoLast();
-  UndoneChange result{undone.commandLine, {}};
+  // The command line and the titles come from files that may have been edited by hand: one line each,
+  // without terminal controls.
+  UndoneChange result{singleLine(undone.commandLine), {}};
   for (const auto& file : undone.files) {
     if (file.path.filename() == "tags") {
       addTagChanges(file, result.changes);

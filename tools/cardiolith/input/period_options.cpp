@@ -87,8 +87,18 @@ std::pair<Date, Date> reportDays(const std::optional<std::string>& from, const s
   choice.to = to;
   if (!from) choice.last = last;
   Period period = choosePeriod(choice, dates, std::nullopt);
+  refuseStartAfterNow(period, from, dates);
   if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) period.end = dates.now();
   return {period.start, period.end};
+}
+
+void refuseStartAfterNow(const Period& period, const std::optional<std::string>& from,
+                         const DateReader& dates) {
+  if (std::isfinite(period.end.timeIntervalSinceReferenceDate()) || !(period.start > dates.now())) return;
+  throw ToolError(
+      "--from: " + from.value_or("") +
+      " is in the future, and the period runs from it to now; give a day before today, e.g. --from " +
+      displayDateFormatter().string(dates.now().addingDays(-30)).substr(0, 10));
 }
 
 ComparedCounts countComparedReadings(const ReadingList& readings, const Period& period,

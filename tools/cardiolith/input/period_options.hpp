@@ -47,6 +47,11 @@ struct Period {
 Period choosePeriod(const PeriodOptions& options, const DateReader& dates,
                     std::optional<std::int64_t> defaultDays);
 
+// ToolError naming --from (`from`, as typed) when a period whose end is open, and so runs to now, starts
+// after now: it would run backwards, and the start is what is wrong.
+void refuseStartAfterNow(const Period& period, const std::optional<std::string>& from,
+                         const DateReader& dates);
+
 // The readings of the period that carry every tag of --tag, in log order. ToolError for an unknown tag.
 ReadingList selectReadings(const ReadingList& readings, const Period& period, const PeriodOptions& options,
                            const TagList& tags);

@@ -123,8 +123,7 @@ ChangeHistory::Undone ChangeHistory::undoLast() const {
   } catch (const std::exception& error) {
     throw ToolError("can't undo: the undo history can't be read: " + std::string(error.what()));
   }
-  if (steps.empty())
-    throw ToolError("there is nothing to undo: cardiolith has made no change here that it can take back");
+  if (steps.empty()) throw ToolError(std::string(nothingToUndo));
 
   const std::string change = steps.back().change;
   auto first = steps.end();

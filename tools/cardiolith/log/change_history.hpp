@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cardiolith::tool {
@@ -45,6 +46,9 @@ class ChangeHistory {
     std::string commandLine;
     std::vector<RestoredFile> files;
   };
+  // What undo says when the history holds no change.
+  static constexpr std::string_view nothingToUndo =
+      "there is nothing to undo: cardiolith has made no change here that it can take back";
   // Puts the files of the newest change back as they were before it, byte for byte, and drops it from the
   // history. ToolError, changing nothing, when there is no change to undo, the history can't be read, or a
   // file no longer holds what the change left there (something else changed it since).

@@ -45,13 +45,12 @@ Readings loadExisting(ReadingsStore& store, ReadingsLog::Access access) {
   try {
     return store.loadExisting().get();
   } catch (const std::exception& error) {
-    std::string message =
-        "can't read the readings file " + store.localDataPath().string() + ": " + error.what();
-    if (access == ReadingsLog::Access::change) {
-      message +=
-          "\nNothing was changed: the file is left exactly as it is. Move it aside (or restore it from a "
-          "backup) before adding to the log.";
-    }
+    std::string message = "can't read the readings file " + store.localDataPath().string() + ": " +
+                          fileErrorReason(error.what());
+    message += access == ReadingsLog::Access::change
+                   ? "\nNothing was changed: the file is left exactly as it is. Move it aside (or restore it "
+                     "from a backup) before adding to the log."
+                   : "\nRestore it from a backup, or move it aside to start a new log; nothing was changed.";
     throw ToolError(message);
   }
 }
@@ -104,7 +103,8 @@ void ReadingsLog::save() {
     before = durable_file::readIfPresent(file());
     store_.save(document_).get();
   } catch (const std::exception& error) {
-    throw ToolError("couldn't save the readings to " + file().string() + ": " + error.what() +
+    throw ToolError("couldn't save the readings to " + file().string() + ": " +
+                    fileErrorReason(error.what()) +
                     "\nThe file still holds the log as it was before this command.");
   }
   history_.recordWrite(file(), before);

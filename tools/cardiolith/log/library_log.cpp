@@ -5,6 +5,8 @@
 #include <mutex>
 #include <vector>
 
+#include "tool_error.hpp"
+
 namespace cardiolith::tool {
 namespace {
 
@@ -31,7 +33,7 @@ void handle(const LogRecord& record) {
   for (const auto& prefix : log.mutedPrefixes) {
     if (startsWith(record.message, prefix)) return;
   }
-  std::cerr << "cardiolith: " << record.message << '\n';
+  std::cerr << "cardiolith: " << fileErrorReason(std::string(record.message)) << '\n';
 }
 
 }  // namespace

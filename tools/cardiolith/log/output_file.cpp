@@ -106,6 +106,7 @@ int writeAll(int fd, std::string_view text) {
 }  // namespace
 
 void writeOutputFile(const fs::path& path, std::string_view text, const std::vector<fs::path>& ownFiles) {
+  if (path.empty()) throw ToolError("--out: the file name is empty; name a file, e.g. --out ~/readings.csv");
   const fs::path target = resolved(path);
   for (const auto& ownFile : ownFiles) {
     if (sameFile(target, resolved(ownFile)) || sameFile(path, ownFile)) {

@@ -44,7 +44,10 @@ TagList::TagList(const DataFolder& folder)
   if (!manager_.loadFailed()) return;
   const auto failure = LibraryLog::firstLogged(loadFailure);
   std::cerr << "cardiolith: can't read the tags file " << file_.string();
-  if (failure) std::cerr << " (" << failure->substr(std::min(failure->size(), loadFailure.size() + 2)) << ")";
+  if (failure) {
+    std::cerr << " (" << fileErrorReason(failure->substr(std::min(failure->size(), loadFailure.size() + 2)))
+              << ")";
+  }
   std::cerr << "; the default tags stand in for it. Move it aside (or restore it from a backup) to use your "
                "tags again.\n";
 }

@@ -83,6 +83,14 @@ std::string missedRule(std::int64_t systolic, std::int64_t diastolic) {
   return categoryRule(BloodPressureAnalysis::unreadable);
 }
 
+std::string categoryWithRule(std::int64_t systolic, std::int64_t diastolic) {
+  const auto category = BloodPressureAnalyzer::result(systolic, diastolic);
+  return std::string(categoryName(category)) + " (" +
+         (category == BloodPressureAnalysis::unreadable ? missedRule(systolic, diastolic)
+                                                        : categoryRule(category)) +
+         ")";
+}
+
 std::vector<CategoryBand> categoryBands(Pressure pressure) {
   std::vector<const PressureBounds*> bounds;
   std::vector<BloodPressureAnalysis> categories;

@@ -23,6 +23,11 @@ std::string categoryRule(BloodPressureAnalysis category);
 // ("systolic 85 is in the Low row (systolic 89 or less), but diastolic 70 is not (diastolic 59 or less)").
 std::string missedRule(std::int64_t systolic, std::int64_t diastolic);
 
+// The category of a pair in words with the table's rule that decides it, as people are shown it: "High
+// (systolic 130-139, or diastolic 81-89)"; a pair that fits no row reads "No category (outside the table)"
+// with the row it missed (missedRule). JSON keeps categoryKey instead.
+std::string categoryWithRule(std::int64_t systolic, std::int64_t diastolic);
+
 // One pressure's stretch of a category on a chart, in mmHg. Bounds lie halfway between whole values, so a
 // reading never sits on a boundary; the outermost bands are open (infinite).
 struct CategoryBand {

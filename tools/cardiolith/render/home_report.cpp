@@ -201,9 +201,9 @@ std::vector<std::string> reportNotes(const HomeReportDocument& report) {
       "whole mmHg (halves upwards). That rounded average is classified and compared with the threshold " +
       pairText(options.threshold) +
       ", which is reached when the systolic or the diastolic value is at or above it.");
-  if (analysis.category) {
-    notes.push_back("Category of the average: " + std::string(categoryName(*analysis.category)) + " (" +
-                    categoryRule(*analysis.category) + ").");
+  if (analysis.roundedMean) {
+    notes.push_back("Category of the average: " +
+                    categoryWithRule(analysis.roundedMean->systolic, analysis.roundedMean->diastolic) + ".");
   }
   notes.push_back(
       "Variability: SD is the standard deviation, CV the standard deviation in percent of the mean, ARV the "

@@ -57,6 +57,10 @@ std::string joined(const std::vector<std::string>& items, std::string_view separ
   return text;
 }
 
+std::string readingCount(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " reading" : " readings");
+}
+
 std::string describeValues(const Reading& reading) {
   return std::to_string(reading.systolic()) + "/" + std::to_string(reading.diastolic()) + " mmHg, pulse " +
          std::to_string(reading.pulse()) + ": " +

@@ -23,6 +23,9 @@ std::string plainNote(std::string_view text);
 // The items with `separator` between neighbours.
 std::string joined(const std::vector<std::string>& items, std::string_view separator);
 
+// "1 reading", "2 readings".
+std::string readingCount(std::size_t count);
+
 // "128/82 mmHg, pulse 71: High".
 std::string describeValues(const Reading& reading);
 // "1A2B3C4D  2026-11-20 07:45  128/82 mmHg, pulse 71: High", with the reading's short id in `readings`.

@@ -24,6 +24,32 @@ std::string shortened(std::string_view text, std::size_t width) {
   return std::string(text.substr(0, end)) + "\u2026";
 }
 
+std::string wordWrapped(std::string_view text, std::optional<std::size_t> width) {
+  if (!width || displayWidth(text) <= *width) return std::string(text);
+  std::string wrapped;
+  std::size_t used = 0;  // characters on the line being filled
+  bool lineHasWord = false;
+  for (std::size_t start = 0; start <= text.size();) {
+    const std::size_t end = std::min(text.find(' ', start), text.size());
+    const std::string_view word = text.substr(start, end - start);
+    const std::size_t wordWidth = displayWidth(word);
+    if (lineHasWord && used + 1 + wordWidth > *width) {
+      wrapped += "\n  ";
+      used = 2;
+      lineHasWord = false;
+    }
+    if (lineHasWord) {
+      wrapped += ' ';
+      ++used;
+    }
+    wrapped += word;
+    used += wordWidth;
+    lineHasWord = true;
+    start = end + 1;
+  }
+  return wrapped;
+}
+
 TextTable::TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
 void TextTable::addRow(std::vector<std::string> cells) {

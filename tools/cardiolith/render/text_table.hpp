@@ -43,5 +43,8 @@ class TextTable {
 std::size_t displayWidth(std::string_view text);
 // The text cut to at most `width` characters, its last one "…" when it was cut.
 std::string shortened(std::string_view text, std::size_t width);
+// The text broken at spaces into lines of at most `width` characters, each line after the first indented
+// by two spaces; a word longer than a line keeps a line of its own. Absent width: the text as it is.
+std::string wordWrapped(std::string_view text, std::optional<std::size_t> width);
 
 }  // namespace cardiolith::tool

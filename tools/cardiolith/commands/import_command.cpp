@@ -39,8 +39,12 @@ interop::ImportPlan plannedImport(const ImportOptions& options, const ReadingLis
       interop::ReaderOptions readerOptions{options.columns, options.dateFormat,
                                            [&progress](std::uint64_t done) { progress.update(done); }};
       const auto format = options.format ? interop::importFormatNamed(*options.format) : std::nullopt;
+      // Before the file is opened: opening reads its first block already.
+      std::error_code unknown;
+      const std::uintmax_t size = std::filesystem::file_size(name, unknown);
+      progress.restart("Reading " + std::filesystem::path(name).filename().string(), unknown ? 0 : size);
       interop::ImportFile file(name, format, readerOptions);
-      progress.restart("Reading " + std::filesystem::path(name).filename().string(), file.size());
+      progress.setTotal(file.size());  // an archive's member, not the archive
       planner.takeAll(file.reader(), name);
     } catch (const interop::ImportError& error) {
       throw ToolError("nothing imported: " + name + ": " + error.what());

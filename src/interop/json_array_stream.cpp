@@ -213,10 +213,13 @@ std::optional<JsonArrayStream::Element> JsonArrayStream::readElement() {
 }
 
 std::optional<JsonArrayStream::Element> JsonArrayStream::next() {
-  // The previous element's text is no longer needed: drop what has been read.
-  buffer_.erase(0, at_);
-  dropped_ += at_;
-  at_ = 0;
+  // The previous element's text is no longer needed: drop what has been read, once it is at least half the
+  // buffer, so that each byte is moved a bounded number of times.
+  if (at_ > 0 && at_ >= buffer_.size() / 2) {
+    buffer_.erase(0, at_);
+    dropped_ += at_;
+    at_ = 0;
+  }
   while (state_ != State::ended) {
     switch (state_) {
       case State::start:

@@ -2,18 +2,21 @@
 
 // The properties of the JSON decoders, shared by the fuzz targets and the regression test that replays
 // their inputs: whatever decodes must be JSON by an independent parser, must encode and decode again to an
-// equal value, and its dates must be the nearest doubles of their tokens.
+// equal value, and its dates must be the nearest doubles of their tokens; the import's streaming reader
+// of readings documents reads nothing the decoder refuses.
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
+#include "cardiolith/interop/readings_document.hpp"
 #include "cardiolith/model/json.hpp"
 #include "date_tokens.hpp"
 #include "json_syntax_oracle.hpp"
@@ -58,6 +61,26 @@ inline void checkWindows(std::string_view input) {
   }
 }
 
+// An import streams a readings document, a block at a time, and decodes each reading on its own. Whatever
+// it reads, at any block size, the whole-text decoder must read too, and to the same readings: the import
+// never takes what the log itself would refuse.
+inline void checkStream(std::string_view input, const std::optional<Readings>& whole) {
+  for (const std::size_t blockSize : {1 + input.size() % 13, std::size_t{1} << 16}) {
+    std::istringstream in{std::string(input)};
+    Readings streamed;
+    try {
+      const auto reader = interop::readReadingsDocument(in, {.blockSize = blockSize});
+      while (auto item = reader->next())
+        streamed.readings.push_back(std::get<interop::IncomingReading>(*item).reading);
+    } catch (const interop::ImportError&) {
+      continue;
+    }
+    if (!whole) throw PropertyFailure("streamed in blocks of " + std::to_string(blockSize) + ", not whole");
+    if (!sameValue(streamed, *whole))
+      throw PropertyFailure("blocks of " + std::to_string(blockSize) + " streamed other readings");
+  }
+}
+
 // Every date the decoder accepted is the double that std::from_chars gives for its token; a token too
 // small for a double, which from_chars reports as out of range, must give strtod's signed zero.
 inline void checkDates(std::string_view input, const Readings& decoded) {
@@ -92,8 +115,9 @@ Outcome checkDecoding(std::string_view input) {
   try {
     first = json::decode<T>(input);
   } catch (const DecodingError&) {
-    return Outcome::rejected;
   }
+  if constexpr (std::is_same_v<T, Readings>) checkStream(input, first);
+  if (!first) return Outcome::rejected;
   if (!isJson(input)) throw PropertyFailure("decoded text that is not JSON");
   if constexpr (std::is_same_v<T, Readings>) checkDates(input, *first);
   std::string encoded;

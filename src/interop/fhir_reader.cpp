@@ -2,13 +2,13 @@
 
 #include <cmath>
 #include <deque>
-#include <iterator>
 #include <map>
 #include <string>
 
 #include "cardiolith/interop/fhir.hpp"
 #include "cardiolith/platform/civil_time.hpp"
 #include "interop/date_text.hpp"
+#include "interop/json_array_stream.hpp"
 
 namespace cardiolith::interop {
 namespace {
@@ -19,6 +19,9 @@ constexpr std::string_view kPanel = "85354-9";
 constexpr std::string_view kSystolic = "8480-6";
 constexpr std::string_view kDiastolic = "8462-4";
 constexpr std::string_view kHeartRate = "8867-4";
+
+// The first line of NDJSON is one resource; a longer first line is taken for the start of a Bundle.
+constexpr std::size_t kLongestLine = std::size_t{1} << 20;
 
 // A problem with one resource: where, what was found, what was expected.
 struct ResourceProblem {
@@ -88,29 +91,25 @@ std::int64_t wholeQuantity(dom::element quantity, const std::string& path,
 // until every heart rate has been seen.
 class FhirReader final : public ReadingReader {
  public:
-  explicit FhirReader(std::istream& in) : in_(in) {
+  FhirReader(std::istream& in, const ReaderOptions& options) : in_(in) {
+    // NDJSON when the first line that is not blank holds a whole resource that is not a Bundle; anything
+    // else is a Bundle, streamed from the first byte.
+    std::string consumed;
     std::string first;
-    while (first.find_first_not_of(" \t\r") == std::string::npos && std::getline(in_, first)) {
+    bool wholeLine = true;
+    while (wholeLine && first.find_first_not_of(" \t\r") == std::string::npos && in_.peek() != EOF) {
+      wholeLine = readLine(first);
+      consumed += first;
+      if (wholeLine && in_.peek() != EOF) consumed += '\n';
       ++line_;
     }
     dom::element element;
-    if (!parser_.parse(first).get(element) && stringAt(element, "resourceType") != "Bundle") {
+    if (wholeLine && !parser_.parse(first).get(element) && stringAt(element, "resourceType") != "Bundle") {
       ndjson_ = true;
       resource(element, "line " + std::to_string(line_));
       return;
     }
-    // A Bundle, on one line or many.
-    bundleText_ =
-        first + "\n" + std::string(std::istreambuf_iterator<char>(in_), std::istreambuf_iterator<char>());
-    if (const auto error = parser_.parse(bundleText_).get(element))
-      throw ImportError(std::string("the FHIR file is not JSON: ") + simdjson::error_message(error));
-    if (stringAt(element, "resourceType") != "Bundle")
-      throw ImportError("the FHIR file holds neither a Bundle nor one resource a line");
-    dom::array entries;
-    if (!element["entry"].get_array().get(entries)) {
-      entries_ = entries;
-      entry_ = entries.begin();
-    }
+    bundle_.emplace(in_, "entry", std::move(consumed), options.blockSize, options.progress);
   }
 
   std::optional<ReaderItem> next() override {
@@ -127,6 +126,17 @@ class FhirReader final : public ReadingReader {
     Date date;
   };
 
+  // Reads up to the next line break into `line`; false, with kLongestLine bytes read, for a longer line.
+  bool readLine(std::string& line) {
+    line.clear();
+    for (int c = in_.get(); c != EOF; c = in_.get()) {
+      if (c == '\n') return true;
+      line += static_cast<char>(c);
+      if (line.size() == kLongestLine) return false;
+    }
+    return true;
+  }
+
   void advance() {
     if (ndjson_) {
       std::string text;
@@ -141,15 +151,28 @@ class FhirReader final : public ReadingReader {
       }
       return resource(element, position);
     }
-    if (!entries_ || entry_ == entries_->end()) return finish();
-    dom::element resourceElement;
-    const std::string position = "entry[" + std::to_string(index_++) + "].resource";
-    if ((*entry_)["resource"].get(resourceElement)) {
+    std::optional<detail::JsonArrayStream::Element> entry;
+    try {
+      entry = bundle_->next();
+    } catch (const ImportError& error) {
+      throw ImportError(std::string("the FHIR file is not JSON: ") + error.what());
+    }
+    const auto type = bundle_->stringMember("resourceType");
+    if ((entry && type && *type != "Bundle") || (!entry && type != "Bundle"))
+      throw ImportError("the FHIR file holds neither a Bundle nor one resource a line");
+    if (!entry) return finish();
+    const std::string position = "entry[" + std::to_string(entry->index) + "].resource";
+    dom::element entryElement, resourceElement;
+    if (const auto error = parser_.parse(entry->text.data(), entry->text.size()).get(entryElement)) {
+      throw ImportError("the FHIR file is not JSON: entry[" + std::to_string(entry->index) +
+                        "], which starts at byte " + std::to_string(entry->offset) + ": " +
+                        simdjson::error_message(error));
+    }
+    if (entryElement["resource"].get(resourceElement)) {
       ready_.push_back(SkippedRecord{position, "an entry without a resource"});
     } else {
       resource(resourceElement, position);
     }
-    ++entry_;
   }
 
   void resource(dom::element element, const std::string& path) {
@@ -244,17 +267,16 @@ class FhirReader final : public ReadingReader {
   bool ndjson_ = false;
   bool finished_ = false;
   std::uint64_t line_ = 0;
-  std::string bundleText_;
-  std::optional<dom::array> entries_;  // absent for a Bundle without entries
-  dom::array::iterator entry_;
-  std::size_t index_ = 0;
-  std::map<double, std::int64_t> heartRates_;  // by effective time, seconds since 2001
+  std::optional<detail::JsonArrayStream> bundle_;  // absent for NDJSON
+  std::map<double, std::int64_t> heartRates_;      // by effective time, seconds since 2001
   std::deque<Panel> waiting_;
   std::deque<ReaderItem> ready_;
 };
 
 }  // namespace
 
-std::unique_ptr<ReadingReader> readFhir(std::istream& in) { return std::make_unique<FhirReader>(in); }
+std::unique_ptr<ReadingReader> readFhir(std::istream& in, const ReaderOptions& options) {
+  return std::make_unique<FhirReader>(in, options);
+}
 
 }  // namespace cardiolith::interop

@@ -134,10 +134,10 @@ ImportFile::ImportFile(const std::filesystem::path& path, std::optional<ImportFo
       reader_ = readDelimited(*in, options, '\t');
       break;
     case ImportFormat::document:
-      reader_ = readReadingsDocument(*in);
+      reader_ = readReadingsDocument(*in, options);
       break;
     case ImportFormat::fhir:
-      reader_ = readFhir(*in);
+      reader_ = readFhir(*in, options);
       break;
     case ImportFormat::healthExport:
       reader_ = readHealthExport(*in, options);

@@ -224,3 +224,30 @@ void appendReadings(JsonReader& reader, ReadingArena& arena, ondemand::array& ar
 }
 
 }  // namespace cardiolith::json_detail
+
+namespace cardiolith::json_detail {
+
+// The framing array sits one level above the element, as the document's array does, but the document's
+// root object is missing: one level less keeps the depth limit where the whole document has it.
+ReadingElementDecoder::ReadingElementDecoder() {
+  if (parser_.allocate(kDefaultWindowSize, simdjson::DEFAULT_MAX_DEPTH - 1)) throw std::bad_alloc();
+}
+
+std::shared_ptr<Reading> ReadingElementDecoder::decode(std::string_view text, std::size_t index) {
+  framed_.reserve(text.size() + 2 + kReadPadding);
+  framed_.assign(1, '[');
+  framed_.append(text);
+  framed_.push_back(']');
+  JsonReader reader(parser_, framed_, framed_.capacity() - framed_.size());
+  auto array = reader.rootArray();
+  std::shared_ptr<Reading> reading;
+  reader.forEachElement(array, [&](std::size_t, ondemand::value& element) {
+    if (reading) throw DecodingError(readingsPath_.element(index).toString() + ": more than one value");
+    reading = json::readReading(reader, arena_, element, readingsPath_.element(index));
+  });
+  reader.finish();
+  if (!reading) throw DecodingError(readingsPath_.element(index).toString() + ": missing");
+  return reading;
+}
+
+}  // namespace cardiolith::json_detail

@@ -41,8 +41,11 @@ int hexValue(char c) noexcept { return kHexValues[static_cast<unsigned char>(c)]
 }  // namespace
 
 UUID UUID::random() {
+  // Two buffered draws rather than a system call per id: imports make one id per new reading.
+  const std::uint64_t halves[2] = {detail::random::next64(), detail::random::next64()};
   Bytes bytes;
-  detail::random::fill(bytes.data(), bytes.size());
+  static_assert(sizeof halves == std::tuple_size_v<Bytes>);
+  std::memcpy(bytes.data(), halves, sizeof halves);
   bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40);  // version 4
   bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);  // RFC 4122 variant
   return UUID(bytes);

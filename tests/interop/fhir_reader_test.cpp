@@ -102,7 +102,7 @@ TEST(FhirReader, ABundleWithoutEntriesHoldsNothing) {
 TEST(FhirReader, TextThatIsNoBundleIsAnError) {
   for (const std::string text : {"{\"resourceType\":\"Bundle\",", "{\n\"resourceType\": \"Patient\"\n}"}) {
     std::istringstream in(text);
-    EXPECT_THROW((void)readFhir(in), ImportError) << text;
+    EXPECT_THROW((void)readAll(*readFhir(in)), ImportError) << text;
   }
 }
 

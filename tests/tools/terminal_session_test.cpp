@@ -83,5 +83,18 @@ TEST_F(TerminalSessionTest, ListFitsTheTerminalUnlessWide) {
   EXPECT_THAT(succeed({"list"}), HasSubstr(std::string(120, 'n')));  // piped: whole
 }
 
+TEST_F(TerminalSessionTest, ImportShowsItsProgressOnlyOnATerminal) {
+  const std::string rows = (root_ / "rows.csv").string();
+  writeFile(rows, "Date,Systolic,Diastolic,Pulse\n2025-01-12 08:12,128,82,71\n");
+  const std::string bar = "Reading rows.csv [" + std::string(30, '#') + "] 100%";
+  // A quick import shows no bar: it would only flicker.
+  EXPECT_THAT(onTerminal({"import", rows, "--dry-run"}), Not(HasSubstr("Reading rows.csv")));
+  environment_["CARDIOLITH_PROGRESS_DELAY_MS"] = "0";  // as if the import had taken more than a second
+  EXPECT_THAT(onTerminal({"import", rows, "--dry-run"}), HasSubstr(bar));
+  const auto piped = run({"import", rows, "--dry-run"});
+  EXPECT_EQ(piped.exitCode, 0);
+  EXPECT_EQ(piped.err, "");
+}
+
 }  // namespace
 }  // namespace cardiolith::tool::testing

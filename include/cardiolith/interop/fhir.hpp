@@ -25,9 +25,10 @@ inline constexpr std::string_view kReadingIdentifierSystem = "urn:cardiolith:rea
 // pulse is its 8867-4 component or a heart-rate Observation (8867-4) with the same effective time
 // (effectiveDateTime or effectivePeriod.start); Observation.note texts, joined by line breaks, are the
 // notes; an identifier of kReadingIdentifierSystem is the id. Other resources, and panels with no pulse,
-// are skipped. Positions are "entry[N].resource" in a Bundle and "line N" in NDJSON. A Bundle is read
-// whole; NDJSON a line at a time, holding only panels that wait for a heart rate. Throws ImportError for
-// text that is not JSON or not a Bundle.
-[[nodiscard]] std::unique_ptr<ReadingReader> readFhir(std::istream& in);
+// are skipped. Positions are "entry[N].resource" in a Bundle and "line N" in NDJSON. Both are read a block
+// or a line at a time, an entry or a line parsed on its own, holding only panels that wait for a heart
+// rate. next() throws ImportError for a Bundle that is not JSON, naming the byte, or that turns out not to
+// be a Bundle; in NDJSON a line that is not JSON is an invalid row.
+[[nodiscard]] std::unique_ptr<ReadingReader> readFhir(std::istream& in, const ReaderOptions& options = {});
 
 }  // namespace cardiolith::interop

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -67,6 +68,8 @@ struct ReaderOptions {
   // Called with the count of input bytes consumed so far, after each block a streaming reader reads,
   // for a progress display.
   std::function<void(std::uint64_t)> progress = nullptr;
+  // How many bytes the JSON readers (readings documents, FHIR Bundles) read from the input at a time.
+  std::size_t blockSize = std::size_t{1} << 16;
 };
 
 }  // namespace cardiolith::interop

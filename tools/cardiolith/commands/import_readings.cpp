@@ -1,6 +1,7 @@
 #include "commands/import_readings.hpp"
 
 #include <cardiolith/interop/import_file.hpp>
+#include <filesystem>
 #include <sstream>
 #include <stdexcept>
 
@@ -21,9 +22,15 @@ interop::ImportPlan plannedImport(const std::vector<ImportSource>& sources, cons
       interop::ReaderOptions readerOptions{settings.columns, settings.dateFormat, nullptr};
       if (progress) readerOptions.progress = [progress](std::uint64_t done) { progress->update(done); };
       const auto format = settings.format ? interop::importFormatNamed(*settings.format) : std::nullopt;
+      if (progress) {
+        // Before the file is opened: opening reads its first block already.
+        std::error_code unknown;
+        const std::uintmax_t size = std::filesystem::file_size(source.path, unknown);
+        progress->restart("Reading " + std::filesystem::path(source.name).filename().string(),
+                          unknown ? 0 : size);
+      }
       interop::ImportFile file(source.path, format, readerOptions);
-      if (progress)
-        progress->restart("Reading " + std::filesystem::path(source.name).filename().string(), file.size());
+      if (progress) progress->setTotal(file.size());  // an archive's member, not the archive
       planner.takeAll(file.reader(), source.name);
     } catch (const interop::ImportError& error) {
       throw ToolError("nothing imported: " + source.name + ": " + error.what());

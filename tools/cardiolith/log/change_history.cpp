@@ -101,15 +101,31 @@ void ChangeHistory::record(const std::filesystem::path& path, const std::optiona
   durable_file::replace(file_, encodeHistory(steps));
 }
 
+namespace {
+
+void warnThatUndoCannotTakeItBack(const std::exception& error) {
+  std::cerr << "cardiolith: warning: the change was made, but cardiolith undo won't be able to take it back: "
+            << error.what() << '\n';
+}
+
+}  // namespace
+
 void ChangeHistory::recordWrite(const std::filesystem::path& path,
                                 const std::optional<std::string>& before) const {
   try {
     const auto after = durable_file::readIfPresent(path);
     if (after) record(path, before, *after);
   } catch (const std::exception& error) {
-    std::cerr
-        << "cardiolith: warning: the change was made, but cardiolith undo won't be able to take it back: "
-        << error.what() << '\n';
+    warnThatUndoCannotTakeItBack(error);
+  }
+}
+
+void ChangeHistory::recordWrite(const std::filesystem::path& path, const std::optional<std::string>& before,
+                                const std::string& after) const {
+  try {
+    record(path, before, after);
+  } catch (const std::exception& error) {
+    warnThatUndoCannotTakeItBack(error);
   }
 }
 

@@ -36,6 +36,9 @@ class ChangeHistory {
   // Records the write of `path`, which held `before`, reading what it holds now. A failure to record is
   // printed on standard error as a warning and not thrown: the change itself has been made.
   void recordWrite(const std::filesystem::path& path, const std::optional<std::string>& before) const;
+  // The same for a writer that has what it wrote at hand, saving the file's reading back.
+  void recordWrite(const std::filesystem::path& path, const std::optional<std::string>& before,
+                   const std::string& after) const;
 
   struct RestoredFile {
     std::filesystem::path path;

@@ -3,13 +3,17 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
+#include <string_view>
 
 namespace cardiolith::tool {
 namespace {
 
 constexpr auto kDelay = std::chrono::seconds(1);
+constexpr const char* kDelayVariable = "CARDIOLITH_PROGRESS_DELAY_MS";
 constexpr auto kRedrawEvery = std::chrono::milliseconds(100);
 constexpr int kWidth = 30;
 
@@ -19,10 +23,22 @@ std::string megabytes(std::uint64_t bytes) {
   return text;
 }
 
+// How long work runs before its bar appears: kDelay, unless the environment names another whole number of
+// milliseconds.
+std::chrono::steady_clock::duration appearanceDelay() {
+  const char* text = std::getenv(kDelayVariable);
+  if (text == nullptr) return kDelay;
+  const std::string_view value(text);
+  unsigned milliseconds = 0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), milliseconds);
+  if (error != std::errc{} || end != value.data() + value.size() || value.empty()) return kDelay;
+  return std::chrono::milliseconds(milliseconds);
+}
+
 }  // namespace
 
 ProgressBar::ProgressBar(std::string label)
-    : enabled_(::isatty(STDERR_FILENO) == 1), label_(std::move(label)) {}
+    : enabled_(::isatty(STDERR_FILENO) == 1), delay_(appearanceDelay()), label_(std::move(label)) {}
 
 ProgressBar::~ProgressBar() {
   if (shown_) std::cerr << "\r\033[K" << std::flush;
@@ -36,7 +52,7 @@ void ProgressBar::restart(std::string label, std::uint64_t total) {
 void ProgressBar::update(std::uint64_t done) {
   if (!enabled_) return;
   const auto now = Clock::now();
-  if (now - started_ < kDelay || now - drawn_ < kRedrawEvery) return;
+  if (now - started_ < delay_ || now - drawn_ < kRedrawEvery) return;
   drawn_ = now;
   shown_ = true;
   std::string line = "\r" + label_ + " ";

@@ -30,10 +30,7 @@ constexpr std::int64_t defaultDays = 30;
 
 void runChart(const ChartOptions& options, const GlobalOptions& global) {
   const auto dates = DateReader::current();
-  PeriodOptions choice = options.period;
-  if (options.days) choice.last = std::to_string(*options.days);
-  Period period = choosePeriod(choice, dates, defaultDays);
-  refuseStartAfterNow(period, options.period.from, dates);
+  Period period = chooseDaysPeriod(options.period, options.days, dates, defaultDays);
   const bool toStandardOutput = options.out == "-";
   const auto format = toStandardOutput ? std::optional{ImageFormat::svg} : imageFormatOf(options.out);
   if (!format) {

@@ -94,10 +94,7 @@ void printText(const ReadingsSummary& summary, const Period& period, const Compa
 
 void runSummary(const SummaryOptions& options, const GlobalOptions& global) {
   const auto dates = DateReader::current();
-  PeriodOptions choice = options.period;
-  if (options.days) choice.last = std::to_string(*options.days);
-  Period period = choosePeriod(choice, dates, defaultDays);
-  refuseStartAfterNow(period, options.period.from, dates);
+  Period period = chooseDaysPeriod(options.period, options.days, dates, defaultDays);
   if (!std::isfinite(period.end.timeIntervalSinceReferenceDate())) {
     period.end = dates.now();
     period.name += " to now";

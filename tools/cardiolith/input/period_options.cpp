@@ -92,6 +92,15 @@ std::pair<Date, Date> reportDays(const std::optional<std::string>& from, const s
   return {period.start, period.end};
 }
 
+Period chooseDaysPeriod(const PeriodOptions& options, std::optional<std::int64_t> days,
+                        const DateReader& dates, std::int64_t defaultDays) {
+  PeriodOptions choice = options;
+  if (days) choice.last = std::to_string(*days);
+  Period period = choosePeriod(choice, dates, defaultDays);
+  refuseStartAfterNow(period, options.from, dates);
+  return period;
+}
+
 void refuseStartAfterNow(const Period& period, const std::optional<std::string>& from,
                          const DateReader& dates) {
   if (std::isfinite(period.end.timeIntervalSinceReferenceDate()) || !(period.start > dates.now())) return;

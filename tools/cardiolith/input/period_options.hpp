@@ -52,6 +52,11 @@ Period choosePeriod(const PeriodOptions& options, const DateReader& dates,
 void refuseStartAfterNow(const Period& period, const std::optional<std::string>& from,
                          const DateReader& dates);
 
+// The period of a command with a --days option of its own (chart, summary): --days N as --last N, then
+// choosePeriod with `defaultDays`, refusing as refuseStartAfterNow does a period that would run backwards.
+[[nodiscard]] Period chooseDaysPeriod(const PeriodOptions& options, std::optional<std::int64_t> days,
+                                      const DateReader& dates, std::int64_t defaultDays);
+
 // The readings of the period that carry every tag of --tag, in log order. ToolError for an unknown tag.
 ReadingList selectReadings(const ReadingList& readings, const Period& period, const PeriodOptions& options,
                            const TagList& tags);

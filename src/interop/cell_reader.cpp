@@ -77,6 +77,7 @@ bool CellReader::nextRow(std::vector<std::string>& cells, std::uint64_t& line) {
   line = line_;
   std::string cell;
   bool quoted = false;
+  bool cellStarted = false;  // a quote opens a quoted cell only as its first character
   for (;;) {
     const int c = take();
     if (c < 0) break;
@@ -94,18 +95,22 @@ bool CellReader::nextRow(std::vector<std::string>& cells, std::uint64_t& line) {
       }
       continue;
     }
-    if (c == '"') {
+    if (c == '"' && !cellStarted) {
       quoted = true;
+      cellStarted = true;
     } else if (c == separator_) {
       cells.push_back(std::move(cell));
       cell.clear();
+      cellStarted = false;
     } else if (c == '\n') {
       ++line_;
       break;
     } else if (c == '\r' && peek() == '\n') {
       continue;
     } else {
+      // Spreadsheets write a quote inside an unquoted cell (8" cuff) as it is: kept, not a quoted part.
       cell.push_back(static_cast<char>(c));
+      cellStarted = true;
     }
   }
   cells.push_back(std::move(cell));

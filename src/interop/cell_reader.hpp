@@ -10,7 +10,8 @@ namespace cardiolith::interop::detail {
 
 // Splits RFC 4180 text into rows of cells, reading `in` a block at a time: quoted cells may hold the
 // separator, doubled quotes and line breaks; rows end with LF or CRLF; a byte-order mark before the first
-// row is dropped. Text after a closing quote, up to the next separator, is kept as part of the cell.
+// row is dropped. Text after a closing quote, up to the next separator, is kept as part of the cell; a quote
+// inside a cell that does not start with one is kept as it is.
 class CellReader {
  public:
   // `progress` hears the count of bytes read from `in` after each block; it may be empty.

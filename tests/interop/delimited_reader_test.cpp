@@ -70,6 +70,10 @@ INSTANTIATE_TEST_SUITE_P(
         SpreadsheetCase{
             "UnixMilliseconds", "timestampUnixMs,sys,dia,bpm,note\n1736665920000,128,82,71,x\n", {}, "x"},
         SpreadsheetCase{"UnixSeconds", "Timestamp,SYS,DIA,Pulse\n1736665920,128,82,71\n", {}, std::nullopt},
+        SpreadsheetCase{"QuotesInsideAnUnquotedCell",
+                        "Date,Sys,Dia,Pulse,Notes\n2025-01-12 08:12,128,82,71,=HYPERLINK(\"x\") 8\" cuff\n",
+                        {},
+                        "=HYPERLINK(\"x\") 8\" cuff"},
         SpreadsheetCase{"SlashesSettledByALaterDay",
                         "Date,Time,Sys,Dia,Pulse\n01/12/2025,08:12,128,82,71\n"
                         "01/13/2025,08:12,128,82,71\n",

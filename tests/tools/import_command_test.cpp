@@ -80,7 +80,7 @@ TEST_F(ImportCommandTest, OneInvalidRowFailsTheWholeImportUnlessSkipped) {
   EXPECT_EQ(readFile(readingsFile_), before);
 
   const auto skipping = succeed({"import", file.string(), "--skip-invalid"});
-  EXPECT_THAT(skipping, HasSubstr("Skipped " + file.string() + " line 3: the systolic pressure \"12x\""));
+  EXPECT_THAT(skipping, HasSubstr("Refused " + file.string() + " line 3: the systolic pressure \"12x\""));
   EXPECT_THAT(skipping, HasSubstr("Imported: 1 added, 0 already there, 1 skipped (1 no pulse), 2 refused."));
   EXPECT_EQ(listed().size(), 4u);
   EXPECT_THAT(succeed({"import", file.string(), "--skip-invalid", "--force"}),

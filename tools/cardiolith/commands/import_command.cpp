@@ -45,13 +45,13 @@ void runImport(const ImportOptions& options, const GlobalOptions& global) {
   std::string report;
   if (options.dryRun) {
     if (const auto refusal = importRefusal(plan, settings)) throw ToolError(*refusal);
-    for (const auto& row : plan.refused) report += "Would skip " + row.position + ": " + row.reason + "\n";
+    for (const auto& row : plan.refused) report += "Would refuse " + row.position + ": " + row.reason + "\n";
     for (const auto& reading : plan.added)
       report += "Would add " + displayDateFormatter().string(reading->date()) + "  " +
                 describeValues(*reading) + "\n";
     for (const auto& tag : plan.newTags) report += "Would create the tag \"" + tag.title + "\"\n";
   } else {
-    for (const auto& row : plan.refused) report += "Skipped " + row.position + ": " + row.reason + "\n";
+    for (const auto& row : plan.refused) report += "Refused " + row.position + ": " + row.reason + "\n";
     for (const auto& tag : plan.newTags) report += "Created the tag \"" + tag.title + "\"\n";
   }
   std::cout << report << importAccount(plan, options.dryRun) << '\n';

@@ -71,7 +71,8 @@ TEST_F(InvocationTest, BashCompletionOffersCommandsOptionsAndValues) {
 TEST_F(InvocationTest, ParserErrorsSayWhatIsExpected) {
   const std::vector<std::pair<Arguments, std::string>> cases{
       {{"add", "120/80", "--pulse", "71.0"},
-       "--pulse takes a whole number of beats per minute, e.g. --pulse 71"},
+       "--pulse takes a whole number of beats per minute, e.g. --pulse 71 (\"71.0\" is not a whole "
+       "number)\n"},
       {{"sample", "--count", "0"},
        "--count takes a whole number of readings from 1 to 100000, e.g. --count 30"},
       {{"export", "--format", "xls"},

@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"AddFutureDate", {"add", "120/80", "-p", "70", "--at", "2099-01-01 8:00"}, 1, "is in the future"},
         {"AddRepeatedHour", {"add", "120/80/70", "--at", "2026-10-25 2:30"}, 1, kRepeatedHour},
         {"AddDuplicate", {"add", "120/80/60", "--at", "2001-01-01 1:00"}, 1, kDuplicate},
-        {"AddHexPulse", {"add", "120/80", "-p", "0x47"}, 2, "--pulse: \"0x47\" is not a whole number"},
+        {"AddHexPulse", {"add", "120/80", "-p", "0x47"}, 2, "(\"0x47\" is not a whole number)"},
         {"EditUnknownId", {"edit", "oldy", "130/80"}, 1, "no reading has an id starting with \"oldy\""},
         {"EditShortId", {"edit", "ol", "130/80"}, 1, "\"ol\" is too short for an id"},
         {"EditNothing", {"edit", "old"}, 1, "nothing to change; give new values"},

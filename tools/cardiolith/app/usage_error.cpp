@@ -32,6 +32,14 @@ std::string afterLast(std::string_view message, std::string_view marker) {
   return at == std::string_view::npos ? "" : std::string(message.substr(at + marker.size()));
 }
 
+// What the parser found wrong, without the option's name and the advice that the reworded message gives:
+// "\"71.0\" is not a whole number" of "--pulse: \"71.0\" is not a whole number; write it in ...".
+std::string found(std::string_view message, std::string_view name) {
+  if (message.starts_with(name) && message.substr(name.size()).starts_with(": "))
+    message.remove_prefix(name.size() + 2);
+  return std::string(message.substr(0, message.find(';')));
+}
+
 // "a, b or c".
 std::string listed(const std::vector<std::string>& items) {
   std::string text;
@@ -90,11 +98,11 @@ std::string reworded(const CLI::ParseError& error, const CLI::App& command, cons
   if (is<CLI::ConversionError>(error) || is<CLI::ValidationError>(error)) {
     for (const auto& expectation : expectations) {
       if (name == expectation.option)
-        return name + " takes " + std::string(expectation.expected) + " (" + message + ")";
+        return name + " takes " + std::string(expectation.expected) + " (" + found(message, name) + ")";
     }
     if (const auto choices = choicesIn(message); !choices.empty()) {
       return named(name) + " takes " + listed(choices) + ", e.g. " + commandName + " " +
-             (name.starts_with('-') ? name + " " : "") + choices.front() + " (" + message + ")";
+             (name.starts_with('-') ? name + " " : "") + choices.front() + " (" + found(message, name) + ")";
     }
   } else if (is<CLI::ArgumentMismatch>(error) && message.ends_with(" missing")) {
     for (const auto& expectation : expectations) {

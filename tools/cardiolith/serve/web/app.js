@@ -418,6 +418,10 @@ function updateExportLinks() {
 }
 
 document.addEventListener("DOMContentLoaded", () => {
+  const fields = document.getElementById("reading-fields");
+  for (const holder of document.querySelectorAll(".reading-fields")) {
+    holder.replaceWith(fields.content.cloneNode(true));
+  }
   const form = document.getElementById("add-form");
   form.at.value = localDateTime(new Date());
   form.addEventListener("submit", addReading);

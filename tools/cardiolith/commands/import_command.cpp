@@ -26,8 +26,13 @@ struct ImportOptions {
 };
 
 ImportSettings settingsOf(const ImportOptions& options) {
-  return {options.format,     options.skipInvalid, options.force,
-          options.createTags, options.columns,     options.dateFormat};
+  return {.format = options.format,
+          .skipInvalid = options.skipInvalid,
+          .force = options.force,
+          .createTags = options.createTags,
+          .columns = options.columns,
+          .dateFormat = options.dateFormat,
+          .remedies = {}};  // the command line's options
 }
 
 void runImport(const ImportOptions& options, const GlobalOptions& global) {

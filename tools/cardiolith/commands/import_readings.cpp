@@ -54,8 +54,8 @@ std::optional<std::string> importRefusal(const interop::ImportPlan& plan, const 
   if (!plan.unknownTags.empty()) {
     std::string titles;
     for (const auto& title : plan.unknownTags) titles += (titles.empty() ? "\"" : ", \"") + title + "\"";
-    return "nothing imported: the log has no tag titled " + titles +
-           ".\nAdd them with cardiolith tags add TITLE, or import with --create-tags.";
+    return "nothing imported: the log has no tag titled " + titles + ".\n" +
+           std::string(settings.remedies.unknownTags);
   }
   if (plan.refused.empty() || settings.skipInvalid) return std::nullopt;
   std::string message = "nothing imported: " + std::to_string(plan.refused.size()) +
@@ -65,7 +65,7 @@ std::optional<std::string> importRefusal(const interop::ImportPlan& plan, const 
     message += "  " + plan.refused[i].position + ": " + plan.refused[i].reason + "\n";
   if (plan.refused.size() > kListed)
     message += "  and " + std::to_string(plan.refused.size() - kListed) + " more\n";
-  message += "Correct the file, or add --skip-invalid to import the rest (--force keeps implausible values).";
+  message += settings.remedies.invalidRows;
   return message;
 }
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "log/data_folder.hpp"
@@ -35,6 +36,13 @@ struct ImportSettings {
   bool createTags = false;
   std::vector<std::string> columns;
   std::optional<std::string> dateFormat;
+  // What a refused import tells the person to do, in the words of where they are: the command line's
+  // options by default, the page's checkboxes there.
+  struct Remedies {
+    std::string_view unknownTags = "Add them with cardiolith tags add TITLE, or import with --create-tags.";
+    std::string_view invalidRows =
+        "Correct the file, or add --skip-invalid to import the rest (--force keeps implausible values).";
+  } remedies;
 };
 
 // What the files would add to the log, read under a shared lock; changes nothing. `progress`, when given,

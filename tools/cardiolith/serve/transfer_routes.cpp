@@ -31,6 +31,10 @@ bool flag(const httplib::Request& request, const char* name) {
 // The import's settings from the query, and the command line that would make the same import.
 ImportSettings settingsOf(const httplib::Request& request, std::vector<std::string>& command) {
   ImportSettings settings;
+  settings.remedies = {"Tick \"Create the tags the log lacks\", or add them with cardiolith tags add TITLE.",
+                       "Correct the file, or tick \"Import the valid rows, leave out the invalid ones\" "
+                       "(\"Keep unusual values "
+                       "exactly as in the file\" keeps implausible values)."};
   settings.format = parameter(request, "format");
   if (settings.format) {
     static constexpr std::array<std::string_view, 5> formats{"csv", "tsv", "json", "fhir", "health"};

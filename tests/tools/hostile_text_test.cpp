@@ -67,12 +67,15 @@ TEST_F(HostileTextTest, AnUnknownTagListsAtMostTwentyOthers) {
   EXPECT_THAT(result.err, HasSubstr("and 5 more (cardiolith tags lists them all)"));  // 10 defaults + 15
 }
 
-// The edges of the crisis range are checked with the classifier; here both commands give the advice.
-TEST_F(HostileTextTest, ACrisisReadingGetsAdviceWhenAddedOrClassified) {
+// The edges of the crisis range are checked with the classifier; here each command gives the advice.
+TEST_F(HostileTextTest, ACrisisReadingGetsAdviceWhenAddedCorrectedOrClassified) {
   const std::string advice = "measure again after a few minutes; if it stays this high, seek medical help";
   EXPECT_THAT(succeed({"classify", "180/80"}), HasSubstr(advice));
   EXPECT_THAT(succeed({"add", "150/120/70"}), HasSubstr(advice));
   EXPECT_THAT(succeed({"add", "179/119/70"}), Not(HasSubstr(advice)));
+  const auto id = listed()[0]["id"].get<std::string>();
+  EXPECT_THAT(succeed({"edit", id, "--note", "cuff slipped"}), Not(HasSubstr(advice)));
+  EXPECT_THAT(succeed({"edit", id, "181/119"}), HasSubstr(advice));
   EXPECT_THAT(succeed({"classify", "120/80/71"}), ::testing::StartsWith("120/80 mmHg, pulse 71: Normal"));
 }
 

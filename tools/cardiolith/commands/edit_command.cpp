@@ -1,3 +1,4 @@
+#include <cardiolith/analysis/plausibility.hpp>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -9,6 +10,7 @@
 #include "input/date_input.hpp"
 #include "input/pressure_input.hpp"
 #include "log/data_folder.hpp"
+#include "render/category_text.hpp"
 #include "render/reading_text.hpp"
 #include "tool_error.hpp"
 
@@ -62,6 +64,10 @@ void runEdit(const EditOptions& options, const GlobalOptions& global) {
   if (!edit.tags.empty() || !edit.untags.empty())
     std::cout << "  Tags: " << joined(result.tagTitles, ", ") << "\n";
   if (result.reading->notes()) std::cout << "  Note: " << singleLine(*result.reading->notes()) << "\n";
+  // A corrected value can be the real, alarming one: it gets the same advice as when it is added.
+  const Reading& reading = *result.reading;
+  if (edit.systolic && isHypertensiveCrisis(reading.systolic(), reading.diastolic()))
+    std::cout << kCrisisAdvice << "\n";
 }
 
 }  // namespace

@@ -67,3 +67,17 @@ test("each page change is one undo step, the command line's history included", a
   assert.match(undone, /^Undid: cardiolith .*add 128\/82 --pulse 71/);
   assert.strictEqual(server.readings().length, 0);
 });
+
+test("values corrected into the crisis range are saved with the advice to measure again", async () => {
+  execFileSync(server.tool, ["--data-dir", server.dataDir, "add", "150/90", "--pulse", "70", "--at", "-1h"]);
+  await page.reload({ waitUntil: "networkidle0" });
+  await (await rowButton("Edit")).click();
+  const systolic = await page.$('xpath/.//form[@id="edit-form"]//label[normalize-space(text())="Systolic"]/input');
+  await systolic.click({ clickCount: 3 });
+  await systolic.type("185");
+  await page.keyboard.press("Enter");
+  await page.waitForFunction(() => document.getElementById("change-message").textContent.startsWith("Saved."));
+  const message = await page.$eval("#change-message", (m) => m.textContent + " " + m.className);
+  assert.match(message, /^Saved\. This is in the hypertensive-crisis range .* seek medical help\. message$/);
+  assert.strictEqual(server.readings()[0].systolic, 185);
+});

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cardiolith/analysis/home_monitoring.hpp>
+#include <cardiolith/analysis/plausibility.hpp>
 #include <cardiolith/analysis/readings_summary.hpp>
 #include <charconv>
 #include <cmath>
@@ -22,6 +23,7 @@
 #include "log/change_history.hpp"
 #include "log/tag_list.hpp"
 #include "render/cairo_output.hpp"
+#include "render/category_text.hpp"
 #include "render/home_report.hpp"
 #include "render/json_writer.hpp"
 #include "render/log_json.hpp"
@@ -97,12 +99,19 @@ void listTags(const ServeContext& context, httplib::Response& response) {
   response.set_content(out.str(), jsonType);
 }
 
-// The reading as `list --json` writes it, alone in its list.
+// The reading as `list --json` writes it, alone in its list, and for values in the crisis range the advice
+// that `add` and `edit` print, which the page shows beside the form.
 void answerReading(const ServeContext& context, const std::shared_ptr<Reading>& reading,
                    httplib::Response& response) {
   const TagList tags(context.folder);
   std::ostringstream out;
-  writeReadingsJson(out, {reading}, tags);
+  JsonWriter json(out);
+  json.beginObject().key("readings").beginArray();
+  writeReadingJson(json, *reading, tags);
+  json.endArray();
+  if (isHypertensiveCrisis(reading->systolic(), reading->diastolic()))
+    json.key("advice").string(kCrisisAdvice);
+  json.endObject();
   response.set_content(out.str(), jsonType);
 }
 

@@ -116,6 +116,12 @@ function say(node, text, done = false) {
   node.classList.toggle("done", done);
 }
 
+// A change done, and the server's advice when the values are in the crisis range: that stays red, as it
+// asks for action.
+function sayDone(node, text, advice) {
+  say(node, advice ? `${text} ${advice}` : text, !advice);
+}
+
 function changeMessage(text, done = false) {
   say(document.getElementById("change-message"), text, done);
 }
@@ -199,10 +205,11 @@ async function saveEdit(event) {
     return;
   }
   try {
-    await api(`/api/readings/${encodeURIComponent(reading.id)}`, { method: "PATCH", body: JSON.stringify(change) });
+    const answer = await api(`/api/readings/${encodeURIComponent(reading.id)}`, { method: "PATCH", body: JSON.stringify(change) });
     closeEdit();
     await refresh();
-    changeMessage("Saved.", true);
+    const newValues = "systolic" in change || "diastolic" in change;
+    sayDone(document.getElementById("change-message"), "Saved.", newValues ? answer.advice : undefined);
     focusEditButton(reading.id);
   } catch (error) {
     message.textContent = error.message;
@@ -319,11 +326,11 @@ async function addReading(event) {
     force: form.force.checked,
   };
   try {
-    await api("/api/readings", { method: "POST", body: JSON.stringify(reading) });
+    const answer = await api("/api/readings", { method: "POST", body: JSON.stringify(reading) });
     form.reset();
     form.at.value = localDateTime(new Date());
     await refresh();
-    say(message, "Added.", true);
+    sayDone(message, "Added.", answer.advice);
   } catch (error) {
     message.textContent = error.message;
   }

@@ -21,16 +21,13 @@ class ImportCommandTest : public ToolTest {
     return nlohmann::json::parse(result.out)["readings"];
   }
 
-  ToolResult importInto(const std::filesystem::path& folder, Arguments arguments) {
-    arguments.insert(arguments.begin(), "import");
-    arguments.insert(arguments.end(), {"--data-dir", folder.string()});
-    return run(arguments, false);
+  ToolResult importInto(const std::filesystem::path& folder, const std::filesystem::path& file) {
+    return run({"import", file.string(), "--data-dir", folder.string()}, false);
   }
 
-  std::filesystem::path writeInput(const std::string& name, const std::string& text) {
-    const auto path = root_ / name;
-    writeFile(path, text);
-    return path;
+  std::string writeInput(const std::string& name, const std::string& text) {
+    writeFile(root_ / name, text);
+    return (root_ / name).string();
   }
 };
 
@@ -41,7 +38,7 @@ TEST_F(ImportCommandTest, EveryExportFormatImportsBackIntoAnEmptyLog) {
     const auto file = root_ / ("export." + format);
     succeed({"export", "--format", format, "--out", file.string()});
     const auto folder = root_ / ("from-" + format);
-    const auto imported = importInto(folder, {file.string()});
+    const auto imported = importInto(folder, file);
     ASSERT_EQ(imported.exitCode, 0) << imported.err;
     EXPECT_EQ(imported.out, "Imported: 3 added, 0 already there, 0 skipped, 0 refused.\n");
     auto back = listedIn(folder);
@@ -51,7 +48,7 @@ TEST_F(ImportCommandTest, EveryExportFormatImportsBackIntoAnEmptyLog) {
     }
     EXPECT_EQ(back, expected);
     // The same file again adds nothing.
-    EXPECT_THAT(importInto(folder, {file.string()}).out, HasSubstr("0 added, 3 already there"));
+    EXPECT_THAT(importInto(folder, file).out, HasSubstr("0 added, 3 already there"));
   }
 }
 
@@ -63,63 +60,46 @@ TEST_F(ImportCommandTest, OneInvalidRowFailsTheWholeImportUnlessSkipped) {
                                "Jan 11 2025,8:12 PM,12x,82,71,-\r\n"
                                "Jan 10 2025,8:12 PM,82,128,71,-\r\n"
                                "Jan 09 2025,8:12 PM,125,80,-,-\r\n");
-  const auto failed = run({"import", file.string()});
-  EXPECT_EQ(failed.exitCode, 1);
-  EXPECT_THAT(failed.err, HasSubstr("nothing imported: 2 rows are invalid"));
-  EXPECT_THAT(failed.err,
-              HasSubstr("monitor.csv line 3: the systolic pressure \"12x\" is not a whole number"));
-  EXPECT_THAT(failed.err,
-              HasSubstr("line 4: the diastolic pressure 128 is not below the systolic pressure 82"));
+  const auto failed = refusal({"import", file});
+  EXPECT_THAT(failed, HasSubstr("nothing imported: 2 rows are invalid"));
+  EXPECT_THAT(failed, HasSubstr("monitor.csv line 3: the systolic pressure \"12x\" is not a whole number"));
+  EXPECT_THAT(failed, HasSubstr("line 4: the diastolic pressure 128 is not below the systolic pressure 82"));
   EXPECT_EQ(readFile(readingsFile_), before) << "a failed import must leave the log byte for byte";
 
-  const auto dryRun = succeed({"import", file.string(), "--skip-invalid", "--dry-run"});
+  const auto dryRun = succeed({"import", file, "--skip-invalid", "--dry-run"});
   EXPECT_THAT(dryRun, HasSubstr("Would add 2025-01-12 08:12  128/82 mmHg, pulse 71: High"));
   EXPECT_THAT(dryRun,
               HasSubstr("Dry run, nothing changed: 1 would be added, 0 already there, 1 skipped (1 no "
                         "pulse), 2 refused."));
   EXPECT_EQ(readFile(readingsFile_), before);
 
-  const auto skipping = succeed({"import", file.string(), "--skip-invalid"});
-  EXPECT_THAT(skipping, HasSubstr("Refused " + file.string() + " line 3: the systolic pressure \"12x\""));
+  const auto skipping = succeed({"import", file, "--skip-invalid"});
+  EXPECT_THAT(skipping, HasSubstr("Refused " + file + " line 3: the systolic pressure \"12x\""));
   EXPECT_THAT(skipping, HasSubstr("Imported: 1 added, 0 already there, 1 skipped (1 no pulse), 2 refused."));
   EXPECT_EQ(listed().size(), 4u);
-  EXPECT_THAT(succeed({"import", file.string(), "--skip-invalid", "--force"}),
+  EXPECT_THAT(succeed({"import", file, "--skip-invalid", "--force"}),
               HasSubstr("Imported: 1 added, 1 already there, 1 skipped (1 no pulse), 1 refused."));
 }
 
 TEST_F(ImportCommandTest, UnknownTagTitlesAreAnErrorUnlessCreated) {
   const auto file =
       writeInput("tags.tsv", "Date\tSys\tDia\tPulse\tTags\n2025-01-12 08:12\t128\t82\t71\tMorning; Gym\n");
-  const auto failed = run({"import", file.string()});
-  EXPECT_EQ(failed.exitCode, 1);
-  EXPECT_THAT(failed.err, HasSubstr("the log has no tag titled \"Gym\""));
-  EXPECT_THAT(succeed({"import", file.string(), "--create-tags"}), HasSubstr("Created the tag \"Gym\""));
+  EXPECT_THAT(refusal({"import", file}), HasSubstr("the log has no tag titled \"Gym\""));
+  EXPECT_THAT(succeed({"import", file, "--create-tags"}), HasSubstr("Created the tag \"Gym\""));
   EXPECT_EQ(listed({"--to", "2025-12-31"})[0]["tags"], nlohmann::json::parse(R"(["Gym","Morning"])"));
 }
 
 TEST_F(ImportCommandTest, RefusesWhatItCannotRead) {
-  const struct {
-    const char* name;
-    std::string text;
-    Arguments options;
-    const char* message;
-  } cases[] = {
-      {"broken.json", "{\"readings\":[{\"id\":1}]}", {}, "readings[0].id"},
-      {"pattern.csv",
-       "Date,Sys,Dia,Pulse\n2025-01-12,128,82,71\n",
-       {"--date-format", "dd.MM.yyyy"},
-       "line 2: the date"},
-  };
-  for (const auto& c : cases) {
-    Arguments arguments{"import", writeInput(c.name, c.text).string()};
-    arguments.insert(arguments.end(), c.options.begin(), c.options.end());
-    const auto result = run(arguments);
-    EXPECT_EQ(result.exitCode, 1) << c.name;
-    EXPECT_THAT(result.err, HasSubstr(c.message)) << c.name;
-  }
   const auto missing = (root_ / "missing.csv").string();  // named once, not twice
-  EXPECT_THAT(run({"import", missing}).err,
-              HasSubstr("nothing imported: " + missing + ": cannot open the file ("));
+  const std::pair<Arguments, std::string> cases[] = {
+      {{writeInput("broken.json", R"({"readings":[{"id":1}]})")}, "readings[0].id"},
+      {{writeInput("pattern.csv", "Date,Sys,Dia,Pulse\n2025-01-12,128,82,71\n"), "--date-format",
+        "dd.MM.yyyy"},
+       "line 2: the date"},
+      {{missing}, "nothing imported: " + missing + ": cannot open the file ("},
+  };
+  for (const auto& [arguments, message] : cases)
+    EXPECT_THAT(refusal(joined({"import"}, arguments)), HasSubstr(message)) << arguments[0];
   EXPECT_EQ(listed().size(), 3u);
 }
 

@@ -43,9 +43,7 @@ TEST_F(OutputSafetyTest, RefusesEveryNameOfTheLogsOwnFiles) {
   for (const auto& [out, name] : outs) {
     for (const Arguments& command :
          {Arguments{"export", "--out", out.string()}, Arguments{"report", "-o", out.string()}}) {
-      const auto result = run(command);
-      EXPECT_EQ(result.exitCode, 1) << out;
-      EXPECT_THAT(result.err, HasSubstr("won't write over " + (data_ / name).string())) << out;
+      EXPECT_THAT(refusal(command), HasSubstr("won't write over " + (data_ / name).string())) << out;
     }
   }
   EXPECT_EQ(readFile(readingsFile_), log);
@@ -57,11 +55,9 @@ TEST_F(OutputSafetyTest, FailuresSayWhy) {
       {root_ / "missing" / "export.csv", "there is no folder " + (root_ / "missing").string()},
       {root_, root_.string() + " is a folder"},
   };
-  for (const auto& [out, reason] : outs) {
-    const auto result = run({"export", "--out", out.string()});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_THAT(result.err, HasSubstr("couldn't write " + out.string() + ": " + reason));
-  }
+  for (const auto& [out, reason] : outs)
+    EXPECT_THAT(refusal({"export", "--out", out.string()}),
+                HasSubstr("couldn't write " + out.string() + ": " + reason));
 }
 
 TEST_F(OutputSafetyTest, ReplacesThePreviousFileWhole) {
@@ -87,9 +83,8 @@ TEST_F(OutputSafetyTest, AFullDiskLeavesThePreviousFileUntouched) {
     const std::string block(4096, 'f');
     while (filler.write(block.data(), static_cast<std::streamsize>(block.size()))) filler.flush();
   }
-  const auto result = run({"export", "--out", out.string()});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.err, HasSubstr("couldn't write " + out.string() + ": the disk is full"));
+  EXPECT_THAT(refusal({"export", "--out", out.string()}),
+              HasSubstr("couldn't write " + out.string() + ": the disk is full"));
   EXPECT_EQ(readFile(out), "previous export\n");
   EXPECT_THAT(leftovers(small), ::testing::IsEmpty());
   ::umount2(small.c_str(), MNT_DETACH);

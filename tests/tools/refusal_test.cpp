@@ -1,7 +1,8 @@
 // Every kind of refusal, one command each: the exit status (1 for a refused request, 2 for a usage error), a
 // message on standard error that says why, nothing on standard output, and the log's files as they were.
 // The forms each input refuses are unit-tested in cli/ and --out in output_safety_test; one row per command
-// and kind of input here proves that the command reaches those checks.
+// and kind of input here proves that the command reaches those checks. Values the argument parser refuses
+// are explained like every other error: what is expected, an example.
 
 #include <ostream>
 
@@ -44,6 +45,7 @@ TEST_P(RefusalTest, ExplainsAndChangesNothing) {
   for (const auto& argument : GetParam().arguments) arguments.push_back(expanded(argument, data_));
   const auto result = run(arguments);
   EXPECT_EQ(result.exitCode, GetParam().exitCode);
+  EXPECT_THAT(result.err, ::testing::StartsWith("cardiolith: "));
   EXPECT_THAT(result.err, HasSubstr(expanded(GetParam().message, data_)));
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(readFile(readingsFile_), log);
@@ -83,7 +85,16 @@ INSTANTIATE_TEST_SUITE_P(
         {"AddFutureDate", {"add", "120/80", "-p", "70", "--at", "2099-01-01 8:00"}, 1, "is in the future"},
         {"AddRepeatedHour", {"add", "120/80/70", "--at", "2026-10-25 2:30"}, 1, kRepeatedHour},
         {"AddDuplicate", {"add", "120/80/60", "--at", "2001-01-01 1:00"}, 1, kDuplicate},
-        {"AddHexPulse", {"add", "120/80", "-p", "0x47"}, 2, "(\"0x47\" is not a whole number)"},
+        {"AddHexPulse",
+         {"add", "120/80", "-p", "0x47"},
+         2,
+         "--pulse takes a whole number of beats per minute, e.g. --pulse 71 (\"0x47\" is not a whole "
+         "number)\n"},
+        {"AddPulseNoValue",
+         {"add", "120/80", "--pulse"},
+         2,
+         "--pulse needs a value: a whole number of beats per minute, e.g. --pulse 71"},
+        {"AddNoReading", {"add"}, 2, "cardiolith add needs the reading: Systolic/diastolic in mmHg (128/82)"},
         {"EditUnknownId", {"edit", "oldy", "130/80"}, 1, "no reading has an id starting with \"oldy\""},
         {"EditShortId", {"edit", "ol", "130/80"}, 1, "\"ol\" is too short for an id"},
         {"EditNothing", {"edit", "old"}, 1, "nothing to change; give new values"},
@@ -96,6 +107,11 @@ INSTANTIATE_TEST_SUITE_P(
         {"ListBadFrom", {"list", "--from", "yesterdy"}, 1, "--from: \"yesterdy\" is not a date"},
         {"ListBadSpan", {"list", "--last", "7x"}, 1, "--last: \"7x\" is not a span of days"},
         {"ListReversed", {"list", "--from", "2026-11-20", "--to", "2026-11-19"}, 1, kReversed},
+        {"ListUnknownOption",
+         {"list", "--bogus"},
+         2,
+         "cardiolith list has no option --bogus; it takes --from, --to, --last, --tag, --reverse, --wide or "
+         "--json\nSee cardiolith list --help for what it takes."},
         {"ListLastAndFrom",
          {"list", "--last", "7d", "--from", "2026-11-01"},
          2,
@@ -117,17 +133,38 @@ INSTANTIATE_TEST_SUITE_P(
          "--from: 9999-01-01 is in the future"},
         {"ReportFromFuture", {"report", "--from", "9999-01-01"}, 1, "--from: 9999-01-01 is in the future"},
         {"ClassifyFourNumbers", {"classify", "135/95/70/1"}, 1, kNotAReading},
-        {"ClassifyNegative", {"classify", "135/-95"}, 1, kNotAReading},
+        {"ClassifyExtra",
+         {"classify", "120/80", "extra"},
+         2,
+         "cardiolith classify takes nothing more; \"extra\" was not expected"},
         {"ChartOverTheLog",
          {"chart", "--days", "9999", "--out", "{data}/./readings"},
          1,
          "end it in .svg, .png or .pdf"},
+        {"ChartNoOut", {"chart"}, 2, "cardiolith chart needs --out: The picture to write"},
+        {"ExportUnknownFormat",
+         {"export", "--format", "xls"},
+         2,
+         "--format takes csv, tsv, json or fhir, e.g. cardiolith export --format csv"},
         {"ExportToNoName", {"export", "--out", ""}, 1, "--out: the file name is empty; name a file"},
         {"ReportBadThreshold", {"report", "--threshold", "13080"}, 1, "--threshold: \"13080\" is not a"},
-        {"ReportOverTheLog", {"report", "-o", "{data}/./readings"}, 1, "won't write over {data}/readings"},
+        {"ReportUnknownFormat", {"report", "--format", "doc"}, 2, "--format takes text, html or pdf"},
+        {"ReportToAlone", {"report", "--to", "2026-11-20"}, 2, "--to needs --from as well"},
+        {"ReportMorningBackwards",
+         {"report", "--morning", "12-4"},
+         1,
+         "--morning: \"12-4\" is not a span of hours"},
+        {"ReportEveningPastMidnight",
+         {"report", "--evening", "18-25"},
+         1,
+         "--evening: \"18-25\" is not a span of hours"},
+        {"ReportWindowsOverlap", {"report", "--morning", "4-12", "--evening", "11-20"}, 1, "overlap"},
         {"ChartEmptyPeriod", {"chart", "--out", "{data}/chart.svg"}, 1, "no readings in that period ("},
         {"SampleOverALog", {"sample"}, 1, "already holds 1 reading, and sample readings would mix"},
-        {"SampleNone", {"sample", "--count", "0"}, 2, "--count"},
+        {"SampleNone",
+         {"sample", "--count", "0"},
+         2,
+         "--count takes a whole number of readings from 1 to 100000, e.g. --count 30"},
         {"SampleNoVariance", {"sample", "--variance", "0"}, 2, "--variance"},
         {"TagsTakenInOtherCase", {"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
         {"TagsBlankTitle", {"tags", "add", "  "}, 1, "a tag needs a title that shows something"},
@@ -136,7 +173,18 @@ INSTANTIATE_TEST_SUITE_P(
         {"TagsRenameToTaken", {"tags", "rename", "Morning", "Evening"}, 1, "already a tag \"Evening\""},
         {"TagsRenameUnknown", {"tags", "rename", "Lunch", "Tea"}, 1, "no tag \"Lunch\"; the tags are: "},
         {"TagsDeleteUnknown", {"tags", "delete", "Breakfast"}, 1, "there is no tag \"Breakfast\""},
-        {"UnknownCommand", {"frobnicate"}, 2, "frobnicate"},
+        {"TagsUnknownCommand",
+         {"tags", "frob"},
+         2,
+         "cardiolith tags has no command \"frob\"; it takes list, add, rename or delete"},
+        {"UnknownCommand",
+         {"frobnicate"},
+         2,
+         "cardiolith has no command \"frobnicate\"; it takes version, add, edit,"},
+        {"CompletionUnknownShell",
+         {"completion", "tcsh"},
+         2,
+         "the shell takes bash, zsh or fish, e.g. cardiolith completion bash"},
         // A damaged file is named, and a command that would change the log says that it didn't.
         {"DamagedLogList", {"list"}, 1, kUnreadableLog, true},
         {"DamagedLogChart", {"chart", "--out", "{data}/chart.svg"}, 1, kUnreadableLog, true},

@@ -24,7 +24,7 @@ TEST_F(TagsCommandTest, ReadingsKeepTheirTagThroughARenameAndThemselvesThroughAD
             "Renamed tag \"Home monitor\" to \"Clinic\"\n");
   EXPECT_EQ(listed()[0]["tags"], json({"Clinic"}));
 
-  EXPECT_THAT(run({"tags", "delete", "clinic"}).err,
+  EXPECT_THAT(refusal({"tags", "delete", "clinic"}),
               HasSubstr("1 reading carries the tag \"Clinic\" (cardiolith list --tag 'Clinic' shows them)"));
   EXPECT_EQ(succeed({"tags", "delete", "clinic", "--force"}),
             "Deleted tag \"Clinic\"; 1 reading no longer carries it\n");
@@ -44,8 +44,8 @@ TEST_F(TagsCommandTest, DeletingTheLastTagSaysTheDefaultsComeBackAndTitlesSortBy
       "shows them).\n");
   EXPECT_EQ(lines(succeed({"tags"})).size(), 12u);
 
-  environment_["LANG"] =
-      "en_GB.UTF-8";  // ICU's own data has the collation, installed in the C library or not
+  // ICU's own data has the collation, installed in the C library or not.
+  environment_["LANG"] = "en_GB.UTF-8";
   for (const char* title : {"zebra", "\u00e9clair", "apple"}) succeed({"tags", "add", title});
   std::vector<std::string> order;
   for (const auto& row : lines(succeed({"tags"}))) {

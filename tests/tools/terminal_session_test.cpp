@@ -74,11 +74,11 @@ TEST_F(TerminalSessionTest, ColourOnlyOnATerminalThatWantsIt) {
 }
 
 TEST_F(TerminalSessionTest, ListFitsTheTerminalUnlessWide) {
-  for (const auto& line : lines(onTerminal({"--color", "never", "list"}, 70))) {
+  const auto shown = onTerminal({"--color", "never", "list"}, 70);
+  for (const auto& line : lines(shown))
     EXPECT_LE(displayedLength(line.substr(0, line.find('\r'))), 70u) << line;
-  }
-  EXPECT_THAT(onTerminal({"--color", "never", "list"}, 70), HasSubstr("nnn\u2026"));
-  EXPECT_THAT(onTerminal({"--color", "never", "list"}, 70), HasSubstr("85/70 mmHg: No category"));
+  EXPECT_THAT(shown, HasSubstr("nnn\u2026"));
+  EXPECT_THAT(shown, HasSubstr("85/70 mmHg: No category"));
   EXPECT_THAT(onTerminal({"--color", "never", "list", "--wide"}, 70), HasSubstr(std::string(120, 'n')));
   EXPECT_THAT(succeed({"list"}), HasSubstr(std::string(120, 'n')));  // piped: whole
 }

@@ -87,10 +87,14 @@ std::string ToolTest::succeed(const Arguments& arguments) {
   return result.out;
 }
 
+std::string ToolTest::refusal(const Arguments& arguments, int exitCode) {
+  const auto result = run(arguments);
+  EXPECT_EQ(result.exitCode, exitCode) << ::testing::PrintToString(arguments) << ": " << result.err;
+  return result.err;
+}
+
 nlohmann::json ToolTest::listed(const Arguments& options) {
-  Arguments arguments{"list", "--json"};
-  arguments.insert(arguments.end(), options.begin(), options.end());
-  return nlohmann::json::parse(succeed(arguments))["readings"];
+  return nlohmann::json::parse(succeed(joined({"list", "--json"}, options)))["readings"];
 }
 
 std::string shellOutput(const std::string& command) {
@@ -122,6 +126,11 @@ std::vector<std::string> lines(const std::string& text) {
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) result.push_back(line);
   return result;
+}
+
+Arguments joined(Arguments first, const Arguments& more) {
+  first.insert(first.end(), more.begin(), more.end());
+  return first;
 }
 
 }  // namespace cardiolith::tool::testing

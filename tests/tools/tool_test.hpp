@@ -41,6 +41,8 @@ class ToolTest : public ::testing::Test {
   std::vector<std::string> environmentList() const;
   // Runs the tool, expects success and returns standard output.
   std::string succeed(const Arguments& arguments);
+  // Runs the tool, expects it to fail with `exitCode` and returns standard error.
+  std::string refusal(const Arguments& arguments, int exitCode = 1);
   // The readings of `list --json` with these options.
   nlohmann::json listed(const Arguments& options = {});
 
@@ -61,5 +63,7 @@ std::string readFile(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& text);
 // The lines of a text, without their line ends.
 std::vector<std::string> lines(const std::string& text);
+// The arguments of `first` followed by those of `more`.
+Arguments joined(Arguments first, const Arguments& more);
 
 }  // namespace cardiolith::tool::testing

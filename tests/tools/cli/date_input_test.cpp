@@ -7,7 +7,6 @@
 
 #include <cardiolith/platform/date_formatter.hpp>
 
-#include "../../support/scoped_time_zone.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
@@ -76,15 +75,6 @@ TEST(DateInputTest, ReadsEveryFormInTheUsersTimeZone) {
     EXPECT_EQ(result.substr(0, test.expected.size()), test.expected)
         << test.zone << " " << test.text << ": " << result;
   }
-}
-
-TEST(DateInputTest, FollowsAPosixTimeZoneString) {
-  // Central European rules written out: the same instants as Europe/Berlin, read and shown alike.
-  const testing::ScopedTimeZone zone("CET-1CEST,M3.5.0,M10.5.0/3");
-  const DateReader dates(Calendar::current(), Date::fromTimeIntervalSince1970(1795612200));
-  EXPECT_EQ(dates.read("2026-07-01 8:00", "--at").instant, Date::fromTimeIntervalSince1970(1782885600));
-  EXPECT_EQ(dates.read("2026-11-20 8:00", "--at").instant, Date::fromTimeIntervalSince1970(1795158000));
-  EXPECT_THAT(readAs(dates, "", "2026-03-29 2:30"), HasSubstr("does not exist"));
 }
 
 TEST(DateInputTest, ReadingTimesNeedATimeOfDayAndAPlausibleYearUnlessForced) {

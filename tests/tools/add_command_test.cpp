@@ -34,11 +34,5 @@ TEST_F(AddCommandTest, StoresTheReadingAsTypedAndReportsIt) {
      "tags":["Left arm","Morning"],"notes":"after coffee"}])"));
 }
 
-TEST_F(AddCommandTest, TakesTheTimeInTheLocalZone) {
-  environment_["TZ"] = "Europe/Berlin";
-  succeed({"add", "120/80/70", "--at", "2026-03-29 03:30"});  // the first hour after the clocks skip one
-  EXPECT_EQ(listed()[0]["date"], "2026-03-29T03:30:00+02:00");
-}
-
 }  // namespace
 }  // namespace cardiolith::tool::testing

@@ -20,12 +20,12 @@ TEST_F(HostileTextTest, ControlCharactersAndOverridesNeverReachTheOutput) {
                                          "cba",
                                          "\xe2\x81\xa6"
                                          "isolated"};
-  std::string tags = "[";
+  auto tags = nlohmann::json::array();
   for (std::size_t i = 0; i < hostile.size(); ++i) {
     const std::string id = "00000000-0000-4000-8000-00000000000" + std::to_string(i);
-    tags += (i ? "," : "") + nlohmann::json{{"id", id}, {"title", hostile[i]}, {"colorHex", "ff0000"}}.dump();
+    tags.push_back({{"id", id}, {"title", hostile[i]}, {"colorHex", "ff0000"}});
   }
-  writeFile(tagsFile_, tags + "]");
+  writeFile(tagsFile_, tags.dump());
   for (const auto& text : hostile) succeed({"add", "120/80/60", "--force", "--note", text});
   succeed({"tags", "delete", hostile.front()});  // undo names the tag it brings back
 

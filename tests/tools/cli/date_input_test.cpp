@@ -101,11 +101,8 @@ TEST(DateInputTest, ReadingTimesNeedATimeOfDayAndAPlausibleYearUnlessForced) {
     } catch (const ToolError& refusal) {
       error = refusal.what();
     }
-    if (*test.error == '\0') {
-      EXPECT_EQ(error, "") << test.text;
-    } else {
-      EXPECT_THAT(error, HasSubstr(test.error)) << test.text;
-    }
+    EXPECT_EQ(error.empty(), *test.error == '\0') << test.text << ": " << error;
+    EXPECT_THAT(error, HasSubstr(test.error)) << test.text;
   }
 }
 

@@ -1,6 +1,5 @@
 // Dates typed and shown in the user's time zone, and periods of whole calendar days, end to end.
 
-#include "pdf_text.hpp"
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {

@@ -2,7 +2,6 @@
 #include <regex>
 #include <tuple>
 
-#include "pdf_text.hpp"
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {

@@ -1,4 +1,3 @@
-#include "pdf_text.hpp"
 #include "tool_test.hpp"
 
 namespace cardiolith::tool::testing {

@@ -110,6 +110,10 @@ std::string shellOutput(const std::string& command) {
   return text;
 }
 
+std::string pdfText(const std::filesystem::path& pdf) {
+  return shellOutput("pdftotext -layout '" + pdf.string() + "' - 2>&1");  // Debian package poppler-utils
+}
+
 std::string readFile(const std::filesystem::path& path) {
   std::ostringstream text;
   text << std::ifstream(path, std::ios::binary).rdbuf();

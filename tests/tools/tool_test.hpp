@@ -57,6 +57,9 @@ class ToolTest : public ::testing::Test {
 
 // What a shell command wrote to standard output; the test fails unless it exits with status 0.
 std::string shellOutput(const std::string& command);
+// The text of a PDF file as poppler's pdftotext reads it, in reading order with the page's layout kept: what
+// a person selecting the text would get. Fails the test when pdftotext cannot read the file.
+std::string pdfText(const std::filesystem::path& pdf);
 // Pointers to the texts, ending in a null pointer; valid while the texts are.
 std::vector<char*> execPointers(std::vector<std::string>& texts);
 std::string readFile(const std::filesystem::path& path);

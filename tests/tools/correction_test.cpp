@@ -48,10 +48,8 @@ TEST_F(CorrectionTest, ATypoIsCorrectedDeletedAndUndoneByShortId) {
                                            "High (was 2026-11-20 07:47  138/85 mmHg, pulse 70: High)\n"));
   EXPECT_EQ(listed()[0]["notes"], "typo");
   EXPECT_THAT(succeed({"undo"}), HasSubstr("  removed " + shortId));
-  EXPECT_EQ(readFile(readingsFile_), afterFirst);
   succeed({"undo"});
   EXPECT_FALSE(std::filesystem::exists(readingsFile_)) << "the first add made the file; its undo removes it";
-  EXPECT_THAT(refusal({"undo"}), HasSubstr("there is nothing to undo"));
 }
 
 TEST_F(CorrectionTest, AmbiguousPrefixesListTheCandidatesWithIdsThatTellThemApart) {

@@ -50,16 +50,6 @@ TEST_F(OutputSafetyTest, RefusesEveryNameOfTheLogsOwnFiles) {
   EXPECT_FALSE(fs::exists(tagsFile_));
 }
 
-TEST_F(OutputSafetyTest, FailuresSayWhy) {
-  const std::vector<std::pair<fs::path, std::string>> outs{
-      {root_ / "missing" / "export.csv", "there is no folder " + (root_ / "missing").string()},
-      {root_, root_.string() + " is a folder"},
-  };
-  for (const auto& [out, reason] : outs)
-    EXPECT_THAT(refusal({"export", "--out", out.string()}),
-                HasSubstr("couldn't write " + out.string() + ": " + reason));
-}
-
 TEST_F(OutputSafetyTest, ReplacesThePreviousFileWhole) {
   const auto out = root_ / "export.csv";
   writeFile(out, std::string(100000, 'x'));

@@ -23,7 +23,8 @@ struct Refusal {
 
 // The table can't know the test's folder, so "{data}" stands for it.
 std::string expanded(std::string text, const std::filesystem::path& data) {
-  if (const auto at = text.find("{data}"); at != std::string::npos) text.replace(at, 6, data.string());
+  for (auto at = text.find("{data}"); at != std::string::npos; at = text.find("{data}", at + 1))
+    text.replace(at, 6, data.string());
   return text;
 }
 
@@ -130,6 +131,10 @@ INSTANTIATE_TEST_SUITE_P(
          2,
          "--format takes csv, tsv, json or fhir, e.g. cardiolith export --format csv"},
         {{"export", "--out", ""}, 1, "--out: the file name is empty; name a file"},
+        {{"export", "--out", "{data}/no/x.csv"},
+         1,
+         "couldn't write {data}/no/x.csv: there is no folder {data}/no"},
+        {{"export", "--out", "{data}"}, 1, "couldn't write {data}: {data} is a folder"},
         {{"report", "--threshold", "13080"}, 1, "--threshold: \"13080\" is not a"},
         {{"report", "--format", "doc"}, 2, "--format takes text, html or pdf"},
         {{"report", "--to", "2026-11-20"}, 2, "--to needs --from as well"},

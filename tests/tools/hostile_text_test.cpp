@@ -1,5 +1,5 @@
-// Text from the log reaches the terminal without anything that could drive it, titles that would not
-// show as typed are refused, and a reading in the crisis range gets its advice.
+// Text from the log reaches the terminal without anything that could drive it (the refusal table refuses tag
+// titles that would not show as typed), and a reading in the crisis range gets its advice.
 
 #include "tool_test.hpp"
 
@@ -39,25 +39,9 @@ TEST_F(HostileTextTest, ControlCharactersAndOverridesNeverReachTheOutput) {
   EXPECT_EQ(listed().back()["notes"], hostile.front());
 }
 
-TEST_F(HostileTextTest, TagTitlesThatWouldNotShowAsTypedAreRefused) {
-  const std::vector<std::pair<std::string, std::string>> titles{
-      {"two\nlines", "can't hold line breaks"},
-      {"\x1b[31mred", "control characters"},
-      {"a\xe2\x80\xae"
-       "b",
-       "direction overrides"},
-      {"\xc2\xa0\xe2\x80\x8b", "not only spaces"},  // no-break space, zero-width space
-      {std::string(101, 'x'), "has 101 characters; at most 100"},
-  };
-  succeed({"tags", "add", "Clinic"});
-  for (const auto& [title, reason] : titles) EXPECT_THAT(refusal({"tags", "add", title}), HasSubstr(reason));
-  // A new name goes through the same check.
-  EXPECT_THAT(refusal({"tags", "rename", "Clinic", "two\nlines"}), HasSubstr("can't hold line breaks"));
-  succeed({"tags", "add", std::string(100, 'x')});
-}
-
 TEST_F(HostileTextTest, AnUnknownTagListsAtMostTwentyOthers) {
-  for (int i = 0; i < 15; ++i) succeed({"tags", "add", "Tag " + std::to_string(100 + i)});
+  for (int i = 0; i < 14; ++i) succeed({"tags", "add", "Tag " + std::to_string(100 + i)});
+  succeed({"tags", "add", std::string(100, 'x')});  // the longest title allowed
   EXPECT_THAT(refusal({"add", "120/80/60", "--tag", "Nope"}),
               HasSubstr("and 5 more (cardiolith tags lists them all)"));  // 10 defaults + 15
 }

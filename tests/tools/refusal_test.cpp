@@ -149,6 +149,13 @@ INSTANTIATE_TEST_SUITE_P(
         {{"sample", "--variance", "0"}, 2, "--variance"},
         {{"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
         {{"tags", "add", "  "}, 1, "a tag needs a title that shows something"},
+        // Tag titles that would not show as typed.
+        {{"tags", "add", "\u00a0\u200b"}, 1, "not only spaces"},  // no-break space, zero-width space
+        {{"tags", "add", "two\nlines"}, 1, "can't hold line breaks"},
+        {{"tags", "add", "\x1b[31mred"}, 1, "control characters"},
+        {{"tags", "add", "a\u202eb"}, 1, "direction overrides"},  // a right-to-left override
+        {{"tags", "add", std::string(101, 'x')}, 1, "has 101 characters; at most 100"},
+        {{"tags", "rename", "Morning", "two\nlines"}, 1, "can't hold line breaks"},
         {{"tags", "add", "Walk", "--color", "abc"}, 1, "--color: \"abc\" is not a colour"},
         {{"tags", "add", "Walk", "--color", "12345g"}, 1, "is not a colour"},
         {{"tags", "rename", "Morning", "Evening"}, 1, "already a tag \"Evening\""},

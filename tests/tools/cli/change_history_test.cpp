@@ -27,13 +27,17 @@ class ChangeHistoryTest : public ::testing::Test {
       files[name] = durable_file::readIfPresent(folder_.path() / name);
     return files;
   }
-  // Writes the file as a command would, and records the write as the change of one command.
-  void change(const std::string& name, const std::string& after, const std::string& command) {
-    ChangeHistory::startChange(command);
+  // Writes the file as a command would, and records the write in the current change.
+  void write(const std::string& name, const std::string& after) {
     const auto path = folder_.path() / name;
     const auto before = durable_file::readIfPresent(path);
     durable_file::replace(path, after);
     history_.recordWrite(path, before);
+  }
+  // One command that writes one file.
+  void change(const std::string& name, const std::string& after, const std::string& command) {
+    ChangeHistory::startChange(command);
+    write(name, after);
   }
   std::string undoError() {
     try {
@@ -84,12 +88,7 @@ TEST_F(ChangeHistoryTest, RandomChangesUndoneGiveBackTheFilesByteForByte) {
 TEST_F(ChangeHistoryTest, WritesOfOneCommandAreUndoneTogether) {
   change("readings", "A", "first");
   ChangeHistory::startChange("both");
-  for (const auto* name : {"readings", "tags", "readings"}) {
-    const auto path = folder_.path() / name;
-    const auto before = durable_file::readIfPresent(path);
-    durable_file::replace(path, before.value_or("") + "+");
-    history_.recordWrite(path, before);
-  }
+  for (const auto* name : {"readings", "tags", "readings"}) write(name, contents()[name].value_or("") + "+");
   ASSERT_EQ(contents(), (Files{{"readings", "A++"}, {"tags", "+"}}));
   const auto undone = history_.undoLast();
   EXPECT_EQ(undone.commandLine, "both");

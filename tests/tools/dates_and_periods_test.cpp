@@ -6,7 +6,6 @@ namespace cardiolith::tool::testing {
 namespace {
 
 using DatesAndPeriodsTest = ToolTest;
-using nlohmann::json;
 
 TEST_F(DatesAndPeriodsTest, WhatIsTypedIsWhatIsShownInEveryKindOfTimeZone) {
   const struct {

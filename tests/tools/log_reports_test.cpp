@@ -7,8 +7,6 @@
 namespace cardiolith::tool::testing {
 namespace {
 
-using ::testing::ElementsAre;
-
 // Added out of date order, so every report has to sort. 1-8 March averages 130/85/70 and the 7 days before
 // hold one reading of 120/80/77; the one of January lies in neither.
 class LogReportsTest : public ToolTest {

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -41,7 +39,8 @@ constexpr Pair tellingPairs[] = {
 };
 // clang-format on
 
-// The classifier is usable in constant expressions, promises not to throw, and agrees with the table.
+// The classifier is usable in constant expressions, promises not to throw, and agrees with the table: a
+// wrong row fails the build of this program.
 static_assert(noexcept(BloodPressureAnalyzer::result(0, 0)));
 static_assert(std::ranges::all_of(tellingPairs, [](const Pair& pair) {
   return BloodPressureAnalyzer::result(pair.systolic, pair.diastolic) == pair.expected;
@@ -49,15 +48,6 @@ static_assert(std::ranges::all_of(tellingPairs, [](const Pair& pair) {
 // The crisis range starts at 180 systolic or 120 diastolic, either alone.
 static_assert(!isHypertensiveCrisis(179, 119) && isHypertensiveCrisis(180, 80) &&
               isHypertensiveCrisis(150, 120));
-
-TEST(BloodPressureAnalyzerTest, GivesTheFirstMatchingRowForEveryTellingPair) {
-  constexpr const char* names[] = {"unreadable", "low", "normal", "elevated", "high", "veryHigh"};
-  for (const Pair& pair : tellingPairs) {
-    EXPECT_EQ(names[static_cast<int>(BloodPressureAnalyzer::result(pair.systolic, pair.diastolic))],
-              names[static_cast<int>(pair.expected)])
-        << pair.systolic << "/" << pair.diastolic << " should fall in row " << pair.row;
-  }
-}
 
 }  // namespace
 }  // namespace cardiolith

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
+#include <set>
 
 #include "cardiolith/model/json.hpp"
 #include "error_message.hpp"
@@ -28,33 +27,6 @@ TEST(ReadingsJsonTest, WritesMembersInOrderAndLeavesAbsentOnesOut) {
   EXPECT_EQ(json::encode(Readings{}), R"({"readings":[]})");
 }
 
-TEST(ReadingsJsonTest, RoundTripsEveryCombinationOfOptionalMembersAndExtremeValues) {
-  const std::optional<std::string> notesCases[] = {std::nullopt, "", "took it twice"};
-  const std::optional<std::set<UUID>> tagCases[] = {std::nullopt, std::set<UUID>{}, std::set{kTagA, kTagB}};
-  const std::optional<Reading::HealthKitID> healthKitCases[] = {std::nullopt, kHealthKitID};
-  Readings readings;
-  for (std::size_t i = 0; i < 18; ++i) {
-    readings.readings.push_back(
-        Reading::decoded("R" + std::to_string(i), Date(7e8 + static_cast<double>(i) / 3.0), 121, 79, 66,
-                         notesCases[i % 3], tagCases[i / 3 % 3], healthKitCases[i / 9]));
-  }
-  // Dates read back as the same double, integers at both ends of their range.
-  for (const double date : {0.1, -1e-300, 5e-324, 1e21, std::numeric_limits<double>::max(), -0.0})
-    readings.readings.push_back(Reading::decoded("d", Date(date), 121, 79, 66, {}, {}, {}));
-  readings.readings.push_back(Reading::decoded("i", Date(0), std::numeric_limits<std::int64_t>::min(),
-                                               std::numeric_limits<std::int64_t>::max(), -1, {}, {}, {}));
-
-  // Equality leaves tag ids out and compares text canonically; the text written again does neither.
-  const std::string text = json::encode(readings);
-  const Readings decoded = json::decode<Readings>(text);
-  ASSERT_EQ(decoded.readings.size(), readings.readings.size());
-  for (std::size_t i = 0; i < readings.readings.size(); ++i) {
-    EXPECT_TRUE(*decoded.readings[i] == *readings.readings[i]) << "reading " << i;
-    EXPECT_EQ(decoded.readings[i]->tagIDs(), readings.readings[i]->tagIDs()) << "reading " << i;
-  }
-  EXPECT_EQ(json::encode(decoded), text);
-}
-
 TEST(ReadingsJsonTest, ReadsTheFormsOtherWritersProduce) {
   const Readings readings = json::decode<Readings>(R"( {
     "extra": {"nested": [1, -2.5e-3, true, false, null, "x", {"deep": []}]},
@@ -73,37 +45,6 @@ TEST(ReadingsJsonTest, ReadsTheFormsOtherWritersProduce) {
                            Reading::decoded("b", Date(6.5e8), 0, 0, 0, "the last one wins",
                                             std::set{kTagA, kTagB}, kHealthKitID)}};
   EXPECT_EQ(json::encode(readings), json::encode(expected));
-}
-
-// A date token of any length or exponent reads as the double a correctly rounding strtod gives.
-TEST(ReadingsJsonTest, ReadsEveryDateFormAsTheNearestDouble) {
-  const std::pair<std::string_view, double> cases[] = {
-      {"0.99999999999999999999", 1.0},
-      {"-0.99999999999999999999", -1.0},
-      {"0.000000000000000000000000000012345678901234567890123",
-       0.000000000000000000000000000012345678901234567890123},
-      {"786123456.12345678901234567890", 786123456.12345678901234567890},
-      {"123456789012345678901234567890e-10", 12345678901234567890.123456789},
-      {"1e00000000000000000001", 10.0},
-      {"9007199254740993", 9007199254740992.0},  // halfway: to even
-      {"4.9e-324", 4.9e-324},
-      {"1e-400", 0.0},
-      {"-1e-400", -0.0},
-      {"0.000000000000000000001e-310", 0.0},
-  };
-  for (const auto& [token, expected] : cases) {
-    const std::string text = R"({"readings":[{"id":"r","date":)" + std::string(token) +
-                             R"(,"systolic":120,"diastolic":80,"pulse":70}]})";
-    const double date = json::decode<Readings>(text).readings.at(0)->date().timeIntervalSinceReferenceDate();
-    EXPECT_EQ(date, expected) << token;
-    EXPECT_EQ(std::signbit(date), std::signbit(expected)) << token;
-  }
-  EXPECT_EQ(
-      testing::messageOf<DecodingError>([] {
-        (void)json::decode<Readings>(
-            R"({"readings":[{"id":"r","date":0.99999999999999999999e309,"systolic":1,"diastolic":1,"pulse":1}]})");
-      }),
-      "readings[0].date: 0.99999999999999999999e309 is out of the range of a double");
 }
 
 // A document whose reading at `index` has the given text spliced in after its last member.
@@ -127,6 +68,9 @@ TEST(ReadingsJsonTest, FailsWithAMessageNamingTheMemberOrTheByteAndTheFault) {
       {withMember(R"(,"pulse":null)"), "readings[0].pulse: expected an integer, found null"},
       {withMember(R"(,"date":"2024-01-01")"), "readings[0].date: expected a number, found a string"},
       {withMember(R"(,"date":1e400)"), "readings[0].date: 1e400 is out of the range of a double"},
+      // Below the largest double as written, above it once rounded.
+      {withMember(R"(,"date":0.99999999999999999999e309)"),
+       "readings[0].date: 0.99999999999999999999e309 is out of the range of a double"},
       {withMember(R"(,"tagIDs":[")" + uuid + R"(",{}])"),
        "readings[0].tagIDs[1]: expected a UUID string, found an object"},
       {withMember(R"(,"tagIDs":[")" + uuid + R"(-and-a-long-tail"])"),

@@ -1,7 +1,5 @@
 // Any bytes read as a table: no crash, and every reading the reader finds survives the tool's own table,
 // written and read back, with its values, notes and minute.
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 

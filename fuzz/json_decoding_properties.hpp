@@ -11,24 +11,19 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
 #include "cardiolith/interop/readings_document.hpp"
 #include "cardiolith/model/json.hpp"
+#include "fuzz_one_input.hpp"
 #include "json_syntax_oracle.hpp"
 #include "model/readings_decoding.hpp"
 
 namespace cardiolith::fuzzing {
 
 enum class Outcome { rejected, roundTripped };
-
-// An input that decoded although it is not JSON, or did not come back equal.
-struct PropertyFailure : std::logic_error {
-  using std::logic_error::logic_error;
-};
 
 template <class T>
 bool sameValue(const T& a, const T& b) {

@@ -1,5 +1,6 @@
-#include "fuzz_one_input.hpp"
+#include "json_decoding_properties.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  return cardiolith::fuzzing::fuzzOneInput<cardiolith::Readings>(data, size);
+  return cardiolith::fuzzing::fuzzOneInput(data, size,
+                                           cardiolith::fuzzing::checkDecoding<cardiolith::Readings>);
 }

@@ -1,7 +1,8 @@
 #include <vector>
 
-#include "fuzz_one_input.hpp"
+#include "json_decoding_properties.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  return cardiolith::fuzzing::fuzzOneInput<std::vector<cardiolith::Tag>>(data, size);
+  return cardiolith::fuzzing::fuzzOneInput(data, size,
+                                           cardiolith::fuzzing::checkDecoding<std::vector<cardiolith::Tag>>);
 }

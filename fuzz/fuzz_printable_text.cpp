@@ -3,21 +3,13 @@
 // changes nothing, and a blank text stays blank.
 
 #include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "cardiolith/platform/text.hpp"
+#include "fuzz_one_input.hpp"
 
 namespace {
-
-void require(bool holds, const char* property) {
-  if (holds) return;
-  std::fprintf(stderr, "property failed: %s\n", property);
-  std::abort();
-}
 
 // No C0 control, DEL, C1 control (U+0080-U+009F, encoded C2 80-C2 9F) or bidirectional control
 // (U+202A-U+202E: E2 80 AA-AE; U+2066-U+2069: E2 81 A6-A9).
@@ -37,12 +29,14 @@ bool holdsNoControls(std::string_view text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view input(reinterpret_cast<const char*>(data), size);
-  const std::string shown = cardiolith::text::printable(input);
-  require(cardiolith::text::isValidUTF8(shown), "printable text is valid UTF-8");
-  require(holdsNoControls(shown), "printable text holds no control character or override");
-  require(cardiolith::text::printable(shown) == shown, "printable text prints as itself");
-  if (cardiolith::text::isValidUTF8(input) && cardiolith::text::isBlank(input))
-    require(cardiolith::text::isBlank(shown), "a blank text stays blank when printed");
-  return 0;
+  using cardiolith::fuzzing::require;
+  namespace text = cardiolith::text;
+  return cardiolith::fuzzing::fuzzOneInput(data, size, [](std::string_view input) {
+    const std::string shown = text::printable(input);
+    require(text::isValidUTF8(shown), "printable text is valid UTF-8");
+    require(holdsNoControls(shown), "printable text holds no control character or override");
+    require(text::printable(shown) == shown, "printable text prints as itself");
+    if (text::isValidUTF8(input) && text::isBlank(input))
+      require(text::isBlank(shown), "a blank text stays blank when printed");
+  });
 }

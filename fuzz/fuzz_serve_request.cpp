@@ -4,35 +4,30 @@
 // something. A Host or Origin is accepted only
 // when it names the server exactly.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
+#include "fuzz_one_input.hpp"
 #include "serve/reading_request.hpp"
 #include "serve/request_guard.hpp"
 #include "tool_error.hpp"
 
 namespace {
 
-constexpr int port = 8470;
+using cardiolith::fuzzing::require;
 
-[[noreturn]] void fail(const char* property) {
-  std::fprintf(stderr, "property failed: %s\n", property);
-  std::abort();
-}
+constexpr int port = 8470;
 
 void checkBody(std::string_view body) {
   try {
     const auto reading = cardiolith::tool::serve::parseNewReading(body).reading;
     const auto json = nlohmann::json::parse(body, nullptr, false);
-    if (!json.is_object()) fail("an accepted body is a JSON object");
+    require(json.is_object(), "an accepted body is a JSON object");
     for (const char* member : {"systolic", "diastolic", "pulse"}) {
-      if (!json.contains(member) || !json[member].is_number_integer())
-        fail("accepted values are whole numbers");
+      require(json.contains(member) && json[member].is_number_integer(), "accepted values are whole numbers");
     }
-    if (json["systolic"].get<std::int64_t>() != reading.systolic) fail("systolic read as written");
+    require(json["systolic"].get<std::int64_t>() == reading.systolic, "systolic read as written");
   } catch (const cardiolith::tool::serve::MalformedRequest&) {
   } catch (const cardiolith::tool::ToolError&) {
   }
@@ -41,8 +36,8 @@ void checkBody(std::string_view body) {
 void checkEditBody(std::string_view body) {
   try {
     const auto page = cardiolith::tool::serve::parseReadingEdit("1a2b3c4d", body);
-    if (!nlohmann::json::parse(body, nullptr, false).is_object()) fail("an accepted edit is a JSON object");
-    if (!page.edit.changesSomething() && !page.tags) fail("an accepted edit changes something");
+    require(nlohmann::json::parse(body, nullptr, false).is_object(), "an accepted edit is a JSON object");
+    require(page.edit.changesSomething() || page.tags, "an accepted edit changes something");
   } catch (const cardiolith::tool::serve::MalformedRequest&) {
   } catch (const cardiolith::tool::ToolError&) {
   }
@@ -51,17 +46,17 @@ void checkEditBody(std::string_view body) {
 void checkHeaders(std::string_view text) {
   using namespace cardiolith::tool::serve;
   const bool own = text == "127.0.0.1:8470" || text == "[::1]:8470" || text == "localhost:8470";
-  if (isOwnHost(text, port) != own) fail("only the server's own names are its host");
-  if (isOwnOrigin(text, port) && !isOwnHost(text.substr(7), port))
-    fail("an own origin is http:// and own host");
+  require(isOwnHost(text, port) == own, "only the server's own names are its host");
+  require(!isOwnOrigin(text, port) || isOwnHost(text.substr(7), port),
+          "an own origin is http:// and own host");
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view text(reinterpret_cast<const char*>(data), size);
-  checkBody(text);
-  checkEditBody(text);
-  checkHeaders(text);
-  return 0;
+  return cardiolith::fuzzing::fuzzOneInput(data, size, [](std::string_view text) {
+    checkBody(text);
+    checkEditBody(text);
+    checkHeaders(text);
+  });
 }

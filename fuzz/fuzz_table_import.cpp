@@ -1,9 +1,6 @@
 // Any bytes read as a table: no crash, and every reading the reader finds survives the tool's own table,
 // written and read back, with its values, notes and minute.
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
-#include <sstream>
 
 #include "cardiolith/interop/delimited.hpp"
 #include "import_properties.hpp"
@@ -15,13 +12,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace cardiolith;
-  std::istringstream in(std::string(reinterpret_cast<const char*>(data), size));
-  const auto readings = fuzzing::readingsOf([&] { return interop::readDelimited(in, {}); });
-  if (readings.empty()) return 0;
-  std::ostringstream table;
-  interop::writeDelimited(table, readings, {}, {});
-  std::istringstream back(table.str());
-  const auto again = fuzzing::readingsOf([&] { return interop::readDelimited(back, {}); });
-  fuzzing::expectSameReadings(readings, again, 60.0, table.str());
-  return 0;
+  return fuzzing::fuzzOneInput(data, size, [](std::string_view input) {
+    const fuzzing::OpenReader open = [](std::istream& in) { return interop::readDelimited(in, {}); };
+    const auto readings = fuzzing::readingsOf(input, open);
+    std::ostringstream table;
+    interop::writeDelimited(table, readings, {}, {});
+    fuzzing::requireReadBack(readings, table.str(), open, 60.0);
+  });
 }

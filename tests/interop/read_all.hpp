@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "cardiolith/interop/reader.hpp"

@@ -20,8 +20,6 @@ TEST(DateFormatterTest, FormatsInTheGivenZoneAndLocale) {
 TEST(ListFormatterTest, JoinsItemsInTheLocalesStyle) {
   const ListFormatter english("en_US");
   EXPECT_EQ(english.string({}), "");
-  EXPECT_EQ(english.string({"Left arm"}), "Left arm");
-  EXPECT_EQ(english.string({"Left arm", "Morning"}), "Left arm and Morning");
   EXPECT_EQ(english.string({"a", "b", "c"}), "a, b, and c");
   EXPECT_EQ(ListFormatter("de_DE").string({"a", "b", "c"}), "a, b und c");
 }

@@ -11,6 +11,7 @@
 #include "cardiolith/platform/logger.hpp"
 #include "cardiolith/platform/process_info.hpp"
 #include "cardiolith/platform/storage_locations.hpp"
+#include "support/scoped_variable.hpp"
 #include "support/temporary_directory.hpp"
 
 namespace cardiolith {
@@ -46,17 +47,6 @@ TEST(ProcessInfoTest, ReadsTheRealArgumentsUntilOverridden) {
   ProcessInfo::setArguments(real);
 }
 
-// Sets (or, given nothing, clears) one environment variable for a scope.
-struct ScopedVariable {
-  ScopedVariable(const char* variable, const std::optional<std::filesystem::path>& value) : name(variable) {
-    if (const char* old = std::getenv(name)) previous = old;
-    value ? ::setenv(name, value->c_str(), 1) : ::unsetenv(name);
-  }
-  ~ScopedVariable() { previous ? ::setenv(name, previous->c_str(), 1) : ::unsetenv(name); }
-  const char* name;
-  std::optional<std::string> previous;
-};
-
 TEST(StorageLocationsTest, EnvironmentPrecedenceAndFolderCreation) {
   // Paths relative to a fresh folder; null: unset, or expected absent.
   const struct {
@@ -75,10 +65,10 @@ TEST(StorageLocationsTest, EnvironmentPrecedenceAndFolderCreation) {
     return relative ? std::optional(root.path() / relative) : std::nullopt;
   };
   for (const auto& c : cases) {
-    const ScopedVariable variables[] = {{"CARDIOLITH_GROUP_CONTAINER", at(c.group)},
-                                        {"CARDIOLITH_DOCUMENTS_DIR", at(c.documents)},
-                                        {"XDG_DATA_HOME", at(c.xdg)},
-                                        {"HOME", at(c.home)}};
+    const testing::ScopedVariable variables[] = {{"CARDIOLITH_GROUP_CONTAINER", at(c.group)},
+                                                 {"CARDIOLITH_DOCUMENTS_DIR", at(c.documents)},
+                                                 {"XDG_DATA_HOME", at(c.xdg)},
+                                                 {"HOME", at(c.home)}};
     const auto locations = StorageLocations::current();
     const auto container = at(c.container), document = at(c.document);
     EXPECT_EQ(locations.sharedContainer, container);
@@ -90,10 +80,11 @@ TEST(StorageLocationsTest, EnvironmentPrecedenceAndFolderCreation) {
 
 TEST(StorageLocationsTest, RelativeVariablesAreIgnoredAndPlannedPlacesAreNotCreated) {
   testing::TemporaryDirectory root;
-  const ScopedVariable variables[] = {{"CARDIOLITH_GROUP_CONTAINER", std::string("relative/group")},
-                                      {"CARDIOLITH_DOCUMENTS_DIR", std::string("relative/documents")},
-                                      {"XDG_DATA_HOME", std::string("relative")},
-                                      {"HOME", (root.path() / "h").string()}};
+  const testing::ScopedVariable variables[] = {
+      {"CARDIOLITH_GROUP_CONTAINER", std::string("relative/group")},
+      {"CARDIOLITH_DOCUMENTS_DIR", std::string("relative/documents")},
+      {"XDG_DATA_HOME", std::string("relative")},
+      {"HOME", (root.path() / "h").string()}};
   const auto planned = StorageLocations::planned();
   EXPECT_EQ(planned.sharedContainer, root.path() / "h/.local/share/group.cardiolith");
   EXPECT_EQ(planned.documentDirectories, std::vector{root.path() / "h/.local/share/cardiolith"});

@@ -1,7 +1,5 @@
 #include "cardiolith/storage/tags_manager.hpp"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <atomic>
 #include <fstream>
@@ -10,7 +8,6 @@
 
 #include "cardiolith/platform/list_formatter.hpp"
 #include "platform/file_io.hpp"
-#include "platform/random.hpp"
 #include "storage_test_support.hpp"
 #include "support/test_seed.hpp"
 

@@ -64,8 +64,6 @@ const std::string kLeftAsItIs = "\nNothing was changed: the file is left exactly
 const std::string kAboveEveryRange =
     "not added: the systolic pressure 301 is outside 40-300 mmHg; the diastolic pressure 201 is outside "
     "20-200 mmHg; the pulse 251 is outside 20-250 beats per minute.\nCheck the reading, or add --force";
-const std::string kBelowEveryRange =
-    "pressure 39 is outside 40-300 mmHg; the diastolic pressure 19 is outside 20-200 mmHg; the pulse 19 is";
 const std::string kRepeatedHour =
     "happens twice in the local time zone, because the clocks go back that night. Write it with its UTC "
     "offset: \"2026-10-25 02:30+02:00\" for the first time, \"2026-10-25 02:30+01:00\" for the second";
@@ -82,8 +80,6 @@ INSTANTIATE_TEST_SUITE_P(
         {{"add", "128/82"}, 1, "the pulse is missing"},
         {{"add", "128/82/70", "-p", "71"}, 1, "the pulse is given twice"},
         {{"add", "301/201", "-p", "251"}, 1, kAboveEveryRange},
-        {{"add", "39/19", "-p", "19"}, 1, kBelowEveryRange},
-        {{"add", "100/100", "-p", "70"}, 1, "is not below the systolic pressure 100"},
         {{"add", "120/80", "-p", "70", "--at", "2099-01-01 8:00"}, 1, "is in the future"},
         {{"add", "120/80/70", "--at", "2026-10-25 2:30"}, 1, kRepeatedHour},
         {{"add", "120/80/60", "--at", "2001-01-01 1:00"}, 1, kDuplicate},

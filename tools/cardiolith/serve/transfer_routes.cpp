@@ -59,6 +59,7 @@ ImportSettings settingsOf(const httplib::Request& request, std::vector<std::stri
   if (const auto columns = parameter(request, "columns")) {
     std::istringstream roles(*columns);
     for (std::string role; std::getline(roles, role, ',');) settings.columns.push_back(role);
+    // getline drops an empty last part: kept, it is refused as no role instead of passing unnoticed.
     if (columns->empty() || columns->back() == ',') settings.columns.emplace_back();
     command.insert(command.end(), {"--columns", *columns});
   }

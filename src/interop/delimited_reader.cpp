@@ -87,6 +87,27 @@ std::string quotedForMessage(std::string_view text) {
   return quoted;
 }
 
+// Whether the roles include a date (or a date and time, or a timestamp), systolic and diastolic.
+bool coverReadings(const std::vector<Role>& roles) {
+  const auto has = [&roles](Role role) { return std::find(roles.begin(), roles.end(), role) != roles.end(); };
+  return (has(Role::date) || has(Role::datetime) || has(Role::timestamp)) && has(Role::systolic) &&
+         has(Role::diastolic);
+}
+
+std::vector<Role> rolesOfColumns(const std::vector<std::string>& names) {
+  std::vector<Role> roles;
+  for (const auto& name : names) {
+    const auto found = roleNames().find(headerKey(name));
+    if (found == roleNames().end())
+      throw ImportError("--columns: " + quotedForMessage(name) +
+                        " is not a role; use date, time, datetime, timestamp, systolic, diastolic, pulse, "
+                        "notes, tags, id or skip");
+    roles.push_back(found->second);
+  }
+  if (!coverReadings(roles)) throw ImportError("--columns names no date, systolic and diastolic column");
+  return roles;
+}
+
 struct Row {
   std::uint64_t line = 0;
   std::vector<std::string> cells;
@@ -103,7 +124,8 @@ class DelimitedReader final : public ReadingReader {
     if (options.columns.empty()) {
       rolesFromHeader(header);
     } else {
-      rolesFromOptions(options.columns);
+      roles_ = rolesOfColumns(options.columns);
+      mapColumns();
       if (!looksLikeHeader(header)) pending_.push_back(std::move(header));
     }
   }
@@ -145,26 +167,15 @@ class DelimitedReader final : public ReadingReader {
                "--columns date,time,systolic,diastolic,pulse,notes,tags,skip");
   }
 
-  void rolesFromOptions(const std::vector<std::string>& names) {
-    for (const auto& name : names) {
-      const auto found = roleNames().find(headerKey(name));
-      if (found == roleNames().end())
-        throw ImportError("--columns: " + quotedForMessage(name) +
-                          " is not a role; use date, time, datetime, timestamp, systolic, diastolic, pulse, "
-                          "notes, tags, id or skip");
-      roles_.push_back(found->second);
-    }
-    checkRoles("--columns names no date, systolic and diastolic column");
+  void checkRoles(const std::string& message) {
+    if (!coverReadings(roles_)) throw ImportError("line 1: " + message);
+    mapColumns();
   }
 
-  void checkRoles(const std::string& message) {
+  void mapColumns() {
     for (std::size_t i = 0; i < roles_.size(); ++i) {
       if (!columns_.contains(roles_[i])) columns_[roles_[i]] = i;  // the first column of a role counts
     }
-    const bool dated = columns_.contains(Role::date) || columns_.contains(Role::datetime) ||
-                       columns_.contains(Role::timestamp);
-    if (!dated || !columns_.contains(Role::systolic) || !columns_.contains(Role::diastolic))
-      throw ImportError("line 1: " + message);
   }
 
   static std::string joined(const std::vector<std::string>& cells) {
@@ -351,5 +362,7 @@ std::unique_ptr<ReadingReader> readDelimited(std::istream& in, const ReaderOptio
                                              std::optional<char> separator) {
   return std::make_unique<DelimitedReader>(in, options, separator);
 }
+
+void checkColumns(const std::vector<std::string>& columns) { (void)rolesOfColumns(columns); }
 
 }  // namespace cardiolith::interop

@@ -103,6 +103,24 @@ TEST(DelimitedReader, TablesThatCannotBeReadAskForAnOption) {
   }
 }
 
+// Roles are checked before any file is read: spaces and case do not matter, a name that is no role or a
+// set without a date and both pressures is refused.
+TEST(DelimitedReader, ColumnRolesAreCheckedBeforeReading) {
+  EXPECT_NO_THROW(checkColumns({"timestamp", "skip", " SYS ", "diastolic", "pulse"}));
+  const struct {
+    std::vector<std::string> columns;
+    const char* message;
+  } refused[] = {
+      {{"date", "oben", "diastolic"}, "--columns: \"oben\" is not a role"},
+      {{"date", "time", "systolic", "pulse"}, "--columns names no date, systolic and diastolic column"},
+      {{"time", "systolic", "diastolic"}, "--columns names no date"},
+  };
+  for (const auto& [columns, message] : refused)
+    EXPECT_THAT([&] { checkColumns(columns); },
+                Throws<ImportError>(Property(&ImportError::what, HasSubstr(message))))
+        << message;
+}
+
 TEST(DelimitedReader, BadRowsNameTheirLineAndWhatWasFound) {
   std::istringstream in(
       "Date,Sys,Dia,Pulse\n2025-01-12 08:00,128.5,82,71\n2025-13-40 08:00,128,82,71\n"

@@ -91,6 +91,9 @@ TEST_F(ImportCommandTest, RefusesWhatItCannotRead) {
         "dd.MM.yyyy"},
        "line 2: the date"},
       {{missing}, "nothing imported: " + missing + ": cannot open the file ("},
+      // Columns are checked before any file is read, whatever its format.
+      {{writeInput("empty.json", R"({"readings":[]})"), "--columns", "date,oben"},
+       "--columns: \"oben\" is not a role"},
   };
   for (const auto& [arguments, message] : cases)
     EXPECT_THAT(refusal(joined({"import"}, arguments)), HasSubstr(message)) << arguments[0];

@@ -57,6 +57,9 @@ test("malformed changes and downloads get a 4xx with the tool's message and chan
     ["a multipart upload", "POST", "/api/import?name=a.csv", withToken({ "Content-Type": "multipart/form-data; boundary=x" }), "--x--", 400, /multipart/],
     ["an empty upload", "POST", "/api/import?name=a.csv&dryRun=true", withToken(), "", 400, /empty/],
     ["a flag that is not true or false", "POST", "/api/import?name=a.csv&force=yes", withToken(), csv, 400, /force/],
+    ["columns that name no role", "POST", "/api/import?name=a.csv&columns=date,oben", withToken(), csv, 400, /^More choices › Columns: "oben" is not a role/],
+    ["columns without a pressure", "POST", "/api/import?name=a.csv&columns=date%2Csystolic", withToken(), csv, 400, /Columns names no date, systolic and diastolic/],
+    ["empty columns", "POST", "/api/import?name=a.csv&columns=", withToken(), csv, 400, /Columns: "" is not a role/],
     ["an export format the tool lacks", "GET", "/api/export?format=xlsx", { Host: own() }, undefined, 400, /csv, tsv, json or fhir/],
   ];
   for (const [name, method, target, headers, body, status, message] of rows) {

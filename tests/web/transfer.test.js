@@ -55,6 +55,45 @@ test("an upload shows its preview first; Import then adds the valid row as one u
   assert.match(undone, /^Undid: cardiolith import monitor\.csv --skip-invalid\n  removed .*131\/84/);
 });
 
+test("More choices read a German table: its columns and date format are named on the page", async () => {
+  const day = (daysAgo) => {
+    const date = new Date(Date.now() - daysAgo * 24 * 3600 * 1000);
+    return [date.getDate(), date.getMonth() + 1].map((n) => String(n).padStart(2, "0")).join(".") + `.${date.getFullYear()}`;
+  };
+  const file = path.join(folder, "messgeraet.csv");
+  fs.writeFileSync(file, `Datum;Uhrzeit;Oben;Unten;Puls\n${day(2)};07:10;142;91;77\n${day(3)};19:30;127;83;68\n`);
+  const form = await page.$("#import-form");
+  await (await form.$('xpath/.//label[normalize-space(text())="File to import"]/input')).uploadFile(file);
+  const preview = async () => {
+    await page.click('xpath/.//button[normalize-space(text())="Preview"]');
+    await page.waitForFunction(() => document.getElementById("import-message").textContent || !document.getElementById("import-preview").hidden);
+    return page.$eval("#import-message", (node) => node.textContent);
+  };
+  assert.match(await preview(), /messgeraet\.csv: line 1: the header "Datum,Uhrzeit,Oben,Unten,Puls" names no column .* name the columns with More choices › Columns date,time/);
+
+  await page.click("#import-choices summary");
+  const field = async (label, text) => {
+    const input = await form.$(`xpath/.//label[starts-with(normalize-space(.), "${label}")]/input`);
+    await input.click({ clickCount: 3 });
+    await input.type(text);
+  };
+  await field("Columns", "date,oben");
+  assert.match(await preview(), /^More choices › Columns: "oben" is not a role; use date, time/);
+
+  await field("Columns", "date, time, systolic, diastolic, pulse");
+  await field("Date format", "dd.MM.yyyy");
+  assert.strictEqual(await preview(), "");
+  const shown = await page.$eval("#import-preview", (node) => node.textContent);
+  assert.match(shown, /2 would be added, 0 already there, 0 skipped, 0 refused\./);
+  const before = server.readings().length;
+  await page.click("#import-confirm");
+  await page.waitForFunction(() => document.getElementById("import-message").textContent.startsWith("Imported: 2 added"));
+  const added = server.readings().slice(before).map((r) => `${r.systolic}/${r.diastolic}/${r.pulse}`);
+  assert.deepStrictEqual(added.sort(), ["127/83/68", "142/91/77"]);
+  const undone = execFileSync(server.tool, ["--data-dir", server.dataDir, "undo"]).toString();
+  assert.match(undone, /^Undid: cardiolith import messgeraet\.csv --columns '?date, time, systolic, diastolic, pulse'? --date-format dd\.MM\.yyyy/);
+});
+
 test("the CSV link downloads the period's readings as `export --format csv` writes them", async () => {
   const downloads = fs.mkdtempSync(path.join(folder, "downloads-"));
   const session = await page.createCDPSession();

@@ -48,4 +48,9 @@ void writeDelimited(std::ostream& out, const ReadingList& readings, const std::v
 [[nodiscard]] std::unique_ptr<ReadingReader> readDelimited(std::istream& in, const ReaderOptions& options,
                                                            std::optional<char> separator = std::nullopt);
 
+// Checks column roles as readDelimited takes them in ReaderOptions::columns, before any file is read: each
+// must name a role, and together they must name a date (or a date and time, or a timestamp), systolic and
+// diastolic. Throws ImportError naming the first name that is no role, or what is missing.
+void checkColumns(const std::vector<std::string>& columns);
+
 }  // namespace cardiolith::interop

@@ -38,6 +38,7 @@ ImportSettings settingsOf(const ImportOptions& options) {
 void runImport(const ImportOptions& options, const GlobalOptions& global) {
   const DataFolder folder(global);
   const ImportSettings settings = settingsOf(options);
+  if (const auto fault = importChoicesFault(settings)) throw ToolError(*fault);
   std::vector<ImportSource> sources;
   for (const auto& name : options.files) sources.push_back({name, name});
   const auto plan = [&] {

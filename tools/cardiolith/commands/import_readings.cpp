@@ -1,15 +1,34 @@
 #include "commands/import_readings.hpp"
 
+#include <cardiolith/interop/delimited.hpp>
 #include <cardiolith/interop/import_file.hpp>
+#include <cardiolith/platform/civil_time.hpp>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "log/tag_list.hpp"
 #include "tool_error.hpp"
 
 namespace cardiolith::tool {
 namespace {
+
+// A reader's message with the options it names in the words of where the person is.
+std::string inTheirWords(std::string message, const ImportSettings::Remedies& remedies) {
+  for (const auto& [option, words] :
+       {std::pair<std::string_view, std::string_view>{"--columns", remedies.columns},
+        {"--date-format", remedies.dateFormat}}) {
+    for (auto at = message.find(option); at != std::string::npos;
+         at = message.find(option, at + words.size()))
+      message.replace(at, option.size(), words);
+  }
+  return message;
+}
+
+std::string dateFormatFault(const ImportSettings& settings, const std::invalid_argument& error) {
+  return inTheirWords(std::string("--date-format: ") + error.what(), settings.remedies);
+}
 
 // Reads every file into one plan.
 interop::ImportPlan plannedImport(const std::vector<ImportSource>& sources, const ImportSettings& settings,
@@ -33,15 +52,30 @@ interop::ImportPlan plannedImport(const std::vector<ImportSource>& sources, cons
       if (progress) progress->setTotal(file.size());  // an archive's member, not the archive
       planner.takeAll(file.reader(), source.name);
     } catch (const interop::ImportError& error) {
-      throw ToolError("nothing imported: " + source.name + ": " + error.what());
+      throw ToolError("nothing imported: " + source.name + ": " +
+                      inTheirWords(error.what(), settings.remedies));
     } catch (const std::invalid_argument& error) {  // a --date-format that ICU rejects
-      throw ToolError(std::string("--date-format: ") + error.what());
+      throw ToolError(dateFormatFault(settings, error));
     }
   }
-  return std::move(planner).takePlan();
+  interop::ImportPlan plan = std::move(planner).takePlan();
+  for (auto& row : plan.refused) row.reason = inTheirWords(std::move(row.reason), settings.remedies);
+  return plan;
 }
 
 }  // namespace
+
+std::optional<std::string> importChoicesFault(const ImportSettings& settings) {
+  try {
+    if (!settings.columns.empty()) interop::checkColumns(settings.columns);
+    if (settings.dateFormat) const DatePatternParser pattern(*settings.dateFormat);
+  } catch (const interop::ImportError& error) {
+    return inTheirWords(error.what(), settings.remedies);
+  } catch (const std::invalid_argument& error) {
+    return dateFormatFault(settings, error);
+  }
+  return std::nullopt;
+}
 
 interop::ImportPlan previewImport(const DataFolder& folder, const std::vector<ImportSource>& sources,
                                   const ImportSettings& settings, ProgressBar* progress) {

@@ -37,13 +37,21 @@ struct ImportSettings {
   std::vector<std::string> columns;
   std::optional<std::string> dateFormat;
   // What a refused import tells the person to do, in the words of where they are: the command line's
-  // options by default, the page's checkboxes there.
+  // options by default, the page's checkboxes and fields there.
   struct Remedies {
     std::string_view unknownTags = "Add them with cardiolith tags add TITLE, or import with --create-tags.";
     std::string_view invalidRows =
         "Correct the file, or add --skip-invalid to import the rest (--force keeps implausible values).";
+    // What messages call the choices of columns and date format, which the readers name as options.
+    std::string_view columns = "--columns";
+    std::string_view dateFormat = "--date-format";
   } remedies;
 };
+
+// Why no file could be read with these columns and date format: a column that names no role, columns
+// without a date and both pressures, a date pattern ICU rejects; nothing when they may be tried. Says so
+// as the readers would, in the remedies' words.
+[[nodiscard]] std::optional<std::string> importChoicesFault(const ImportSettings& settings);
 
 // What the files would add to the log, read under a shared lock; changes nothing. `progress`, when given,
 // shows the bytes read. ToolError when a file can't be read at all (naming it) or the date format is bad.

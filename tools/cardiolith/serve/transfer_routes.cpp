@@ -34,7 +34,8 @@ ImportSettings settingsOf(const httplib::Request& request, std::vector<std::stri
   settings.remedies = {"Tick \"Create the tags the log lacks\", or add them with cardiolith tags add TITLE.",
                        "Correct the file, or tick \"Import the valid rows, leave out the invalid ones\" "
                        "(\"Keep unusual values "
-                       "exactly as in the file\" keeps implausible values)."};
+                       "exactly as in the file\" keeps implausible values).",
+                       "More choices › Columns", "More choices › Date format"};
   settings.format = parameter(request, "format");
   if (settings.format) {
     static constexpr std::array<std::string_view, 5> formats{"csv", "tsv", "json", "fhir", "health"};
@@ -54,6 +55,17 @@ ImportSettings settingsOf(const httplib::Request& request, std::vector<std::stri
     *each.value = flag(request, each.parameter);
     if (*each.value) command.push_back(each.option);
   }
+  // Split at the commas as the command line splits --columns; the readers ignore spaces around a role.
+  if (const auto columns = parameter(request, "columns")) {
+    std::istringstream roles(*columns);
+    for (std::string role; std::getline(roles, role, ',');) settings.columns.push_back(role);
+    // getline drops an empty last part: kept, it is refused as no role instead of passing unnoticed.
+    if (columns->empty() || columns->back() == ',') settings.columns.emplace_back();
+    command.insert(command.end(), {"--columns", *columns});
+  }
+  settings.dateFormat = parameter(request, "dateFormat");
+  if (settings.dateFormat) command.insert(command.end(), {"--date-format", *settings.dateFormat});
+  if (const auto fault = importChoicesFault(settings)) throw MalformedRequest(*fault);
   return settings;
 }
 

@@ -341,6 +341,10 @@ async function addReading(event) {
 function importQuery(form, dryRun) {
   const parts = [`name=${encodeURIComponent(form.file.files[0].name)}`, `dryRun=${dryRun}`];
   for (const name of ["skipInvalid", "createTags", "force"]) if (form[name].checked) parts.push(`${name}=true`);
+  for (const name of ["format", "columns", "dateFormat"]) {
+    const value = form[name].value.trim();
+    if (value) parts.push(`${name}=${encodeURIComponent(value)}`);
+  }
   return parts.join("&");
 }
 
@@ -439,7 +443,10 @@ document.addEventListener("DOMContentLoaded", () => {
   });
   document.getElementById("undo-button").addEventListener("click", undoLastChange);
   document.getElementById("import-form").addEventListener("submit", previewImport);
-  document.getElementById("import-form").file.addEventListener("change", closePreview);
+  // The Import button sends the choices as they are then: a preview made with others would mislead.
+  for (const name of ["file", "format", "columns", "dateFormat"]) {
+    document.getElementById("import-form")[name].addEventListener("change", closePreview);
+  }
   document.getElementById("import-confirm").addEventListener("click", confirmImport);
   document.getElementById("import-cancel").addEventListener("click", () => {
     closePreview();

@@ -115,10 +115,10 @@ TEST(DelimitedReader, ColumnRolesAreCheckedBeforeReading) {
       {{"date", "time", "systolic", "pulse"}, "--columns names no date, systolic and diastolic column"},
       {{"time", "systolic", "diastolic"}, "--columns names no date"},
   };
-  for (const auto& [columns, message] : refused)
-    EXPECT_THAT([&] { checkColumns(columns); },
-                Throws<ImportError>(Property(&ImportError::what, HasSubstr(message))))
-        << message;
+  for (const auto& row : refused)
+    EXPECT_THAT([&] { checkColumns(row.columns); },
+                Throws<ImportError>(Property(&ImportError::what, HasSubstr(row.message))))
+        << row.message;
 }
 
 TEST(DelimitedReader, BadRowsNameTheirLineAndWhatWasFound) {

@@ -62,8 +62,11 @@ Windowed decodeInWindows(std::string_view text, std::size_t windowSize) {
   return result;
 }
 
+// Read in place, the text having the spare capacity the decoder needs. The faults it names are compared
+// with those of json::decode, which reads a padded copy: both must count offsets from the text's start.
 Readings decodeWhole(std::string_view text) {
   std::string bytes(text);
+  bytes.reserve(bytes.size() + json_detail::kReadPadding);
   return decodeReadingsInPlace(bytes);
 }
 
@@ -154,14 +157,6 @@ TEST(ReadingsWindowsTest, LimitsNestingAsTheWholeTextDoes) {
   }
   EXPECT_GT(decodedWhole, 0);
   EXPECT_LT(decodedWhole, 9);
-}
-
-TEST(ReadingsWindowsTest, WholeTextReadInPlaceCountsOffsetsFromItsStart) {
-  for (std::string text : {std::string(R"({"readings" []})"), std::string(R"({"readings":[]}})")}) {
-    const std::string copied = messageOf<DecodingError>([&] { (void)json::decode<Readings>(text); });
-    text.reserve(text.size() + json_detail::kReadPadding);
-    EXPECT_EQ(messageOf<DecodingError>([&] { decodeReadingsInPlace(text); }), copied);
-  }
 }
 
 }  // namespace

@@ -118,7 +118,10 @@ class DelimitedReader final : public ReadingReader {
   DelimitedReader(std::istream& in, const ReaderOptions& options, std::optional<char> separator)
       : cells_(in, options.progress) {
     cells_.setSeparator(separator ? *separator : cells_.guessSeparator());
-    if (options.dateFormat) pattern_.emplace(*options.dateFormat);
+    if (options.dateFormat) {
+      pattern_.emplace(*options.dateFormat);
+      patternText_ = *options.dateFormat;
+    }
     Row header;
     if (!cells_.nextRow(header.cells, header.line)) throw ImportError("the file is empty: no header row");
     if (options.columns.empty()) {
@@ -314,6 +317,10 @@ class DelimitedReader final : public ReadingReader {
     } else {
       date = detail::parseDateText(*day, order_);
     }
+    if (!date && pattern_)
+      return "the date " + quotedForMessage(*day) + " does not match --date-format " +
+             quotedForMessage(patternText_) +
+             "; make it the form the file's dates are written in, such as dd.MM.yyyy HH:mm";
     if (!date)
       return "the date " + quotedForMessage(*day) +
              " is not a date; expected a form such as 2025-01-12, Jan 12 2025, 12.01.2025 or 01/12/2025 "
@@ -351,6 +358,7 @@ class DelimitedReader final : public ReadingReader {
   bool own_ = false;
   LocalClock clock_;
   std::optional<DatePatternParser> pattern_;
+  std::string patternText_;  // as the user gave it, for messages
   std::optional<detail::DayOrder> order_;
   std::deque<Row> pending_;  // rows waiting for the file to settle its day/month order
   std::deque<ReaderItem> ready_;

@@ -134,5 +134,14 @@ TEST(DelimitedReader, BadRowsNameTheirLineAndWhatWasFound) {
   EXPECT_EQ(std::get<SkippedRecord>(items[2]).reason, "no pulse");
 }
 
+// With a date format given, a date that misses it is blamed on the format, not on the date's form.
+TEST(DelimitedReader, ADateThatMissesTheGivenFormatNamesTheFormat) {
+  std::istringstream in("Date,Sys,Dia\n2025-01-12 08:00,128,82\n");
+  const auto items = readAll(*readDelimited(in, {.dateFormat = "dd.MM.yyyy HH:mm"}));
+  ASSERT_EQ(items.size(), 1u);
+  EXPECT_THAT(std::get<InvalidRow>(items[0]).reason,
+              HasSubstr("\"2025-01-12 08:00\" does not match --date-format \"dd.MM.yyyy HH:mm\""));
+}
+
 }  // namespace
 }  // namespace cardiolith::interop

@@ -319,8 +319,7 @@ class DelimitedReader final : public ReadingReader {
     }
     if (!date && pattern_)
       return "the date " + quotedForMessage(*day) + " does not match --date-format " +
-             quotedForMessage(patternText_) +
-             "; make it the form the file's dates are written in, such as dd.MM.yyyy HH:mm";
+             quotedForMessage(patternText_);
     if (!date)
       return "the date " + quotedForMessage(*day) +
              " is not a date; expected a form such as 2025-01-12, Jan 12 2025, 12.01.2025 or 01/12/2025 "

@@ -107,13 +107,13 @@ std::string exported(Format format, const Sample& sample, std::mt19937& random) 
 
 std::unique_ptr<ReadingReader> reader(Format format, std::istream& in, std::size_t blockSize) {
   if (format == Format::json) return readReadingsDocument(in, {.blockSize = blockSize});
-  if (format == Format::fhir) return readFhir(in);
+  if (format == Format::fhir) return readFhir(in, {.blockSize = blockSize});
   return readDelimited(in, {});
 }
 
 class RoundTrip : public ::testing::TestWithParam<Format> {};
 
-// The document is read a few bytes at a time as well: 1, 2, 4 ... 128.
+// The JSON formats are read a few bytes at a time as well: 1, 2, 4 ... 128.
 TEST_P(RoundTrip, HostileReadingsComeBackIntoAnEmptyLog) {
   const cardiolith::testing::ScopedTimeZone zone("America/New_York");
   for (std::uint32_t seed = 1; seed <= 8; ++seed) {

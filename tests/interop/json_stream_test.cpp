@@ -1,12 +1,11 @@
-// The JSON readers stream their input: a FHIR Bundle read a few bytes at a time must skip what the whole
-// text skips, and broken documents must fail with the same places named at any block size. That readings
-// read a few bytes at a time come back whole is the round trip's.
+// The readings document reader streams its input: a broken document must fail with the same place named
+// whatever the size of the blocks it is read in. That whole ones come back at any block size is the round
+// trip's.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "cardiolith/interop/fhir.hpp"
 #include "cardiolith/interop/readings_document.hpp"
 #include "cardiolith/model/json.hpp"
 #include "interop/read_all.hpp"
@@ -44,26 +43,6 @@ TEST(ReadingsDocumentStream, BrokenDocumentsFailWithTheFaultNamedAtAnyBlockSize)
                   Throws<ImportError>(Property(&ImportError::what, HasSubstr(named))))
           << text << " at blocks of " << blockSize;
     }
-  }
-}
-
-TEST(FhirBundleStream, GivesTheSameItemsAtAnyBlockSize) {
-  const std::string panel =
-      R"({"resource":{"resourceType":"Observation","code":{"coding":[{"code":"85354-9"}]},)"
-      R"("effectiveDateTime":"2025-01-12T08:12:00+01:00","note":[{"text":"\"]}, {"}],"component":[)"
-      R"({"code":{"coding":[{"code":"8480-6"}]},"valueQuantity":{"value":128,"code":"mm[Hg]"}},)"
-      R"({"code":{"coding":[{"code":"8462-4"}]},"valueQuantity":{"value":82,"code":"mm[Hg]"}},)"
-      R"({"code":{"coding":[{"code":"8867-4"}]},"valueQuantity":{"value":71,"code":"/min"}}]}})";
-  const std::string bundle = "{\n  \"resourceType\": \"Bundle\",\n  \"entry\": [" + panel +
-                             R"(, {"resource":{"resourceType":"Patient"}}, {"fullUrl":"x"}, )" + panel + "]}";
-  for (const std::size_t blockSize :
-       {std::size_t{1}, std::size_t{5}, std::size_t{64}, std::size_t{1} << 16}) {
-    std::istringstream in(bundle);
-    std::string seen;
-    for (const auto& item : readAll(*readFhir(in, {.blockSize = blockSize})))
-      seen +=
-          std::holds_alternative<IncomingReading>(item) ? "r" : std::get<SkippedRecord>(item).position + " ";
-    EXPECT_EQ(seen, "rentry[1].resource entry[2].resource r") << "blocks of " << blockSize;
   }
 }
 

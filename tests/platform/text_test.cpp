@@ -108,7 +108,6 @@ TEST(TextTest, CaseFoldingMatchesTitlesThatDifferOnlyInCase) {
       {"Morning", "mORNING", true},
       {"Straße", "STRASSE", true},
       {"\u00c9t\u00e9", "E\u0301T\u00c9", true},
-      {"\u03a3\u039f\u03a3", "\u03c3\u03bf\u03c2", true},
       {"Morning", "Mornings", false},
       {"Ete", "\u00c9t\u00e9", false},
   };

@@ -33,20 +33,26 @@ std::string bundle(const std::vector<std::string>& resources) {
   return text + "]}";
 }
 
-// What each item is: 'r' a reading of 128/82/71 at 07:12 UTC, 'i' an invalid row, 's' skipped; and the
-// position the first names.
-TEST(FhirReader, YieldsReadingsInvalidAndSkippedRecords) {
+const std::string kPulse = quantity("8867-4", "71", "/min");
+
+// Each item as its kind, 'r' a reading of 128/82/71 at 07:12 UTC, 'i' an invalid row, 's' skipped, and its
+// position; the same whether the text is read whole or a few bytes at a time.
+TEST(FhirReader, YieldsReadingsInvalidAndSkippedRecordsAtAnyBlockSize) {
   const struct {
     const char* name;
-    std::string text, kinds, firstPosition;
+    std::string text, items;
   } cases[] = {
-      {"PulseComponent", bundle({panel(kAt, kPressures + "," + quantity("8867-4", "71", "/min"))}), "r",
-       "entry[0].resource"},
-      {"SeparateHeartRateAfterThePanel", bundle({panel(kAt, kPressures), kHeartRate}), "r",
-       "entry[0].resource"},
+      {"PulseComponent", bundle({panel(kAt, kPressures + "," + kPulse)}), "r entry[0].resource"},
+      {"SeparateHeartRateAfterThePanel", bundle({panel(kAt, kPressures), kHeartRate}), "r entry[0].resource"},
       {"PeriodStart",
-       bundle({panel(R"("effectivePeriod":{"start":"2025-01-12T07:12:00Z"})", kPressures), kHeartRate}), "r",
-       "entry[0].resource"},
+       bundle({panel(R"("effectivePeriod":{"start":"2025-01-12T07:12:00Z"})", kPressures), kHeartRate}),
+       "r entry[0].resource"},
+      {"PrettyBundleWithOthers",
+       "{\n  \"resourceType\": \"Bundle\",\n  \"entry\": [{\"resource\":" +
+           panel(kAt, kPressures + "," + kPulse, R"(,"note":[{"text":"\"]}, {"}])") +
+           R"(}, {"resource":{"resourceType":"Patient"}}, {"fullUrl":"x"}, {"resource":)" +
+           panel(kAt, kPressures + "," + kPulse) + "}]}",
+       "r entry[0].resource, s entry[1].resource, s entry[2].resource, r entry[3].resource"},
       {"NdjsonWithOthers",
        R"({"resourceType":"Patient"})"
        "\n\n" +
@@ -54,35 +60,36 @@ TEST(FhirReader, YieldsReadingsInvalidAndSkippedRecords) {
            "\n"
            R"({"resourceType":"Observation","code":{"coding":[{"code":"29463-7"}]}})"
            "\n",
-       "ssr", "line 1"},
-      {"NoPulseAnywhere", bundle({panel(kAt, kPressures)}), "s", "entry[0].resource"},
+       "s line 1, s line 5, r line 3"},
+      {"NoPulseAnywhere", bundle({panel(kAt, kPressures)}), "s entry[0].resource"},
       {"KilopascalsRefused",
-       bundle({panel(kAt, quantity("8480-6", "17", "kPa") + "," + quantity("8462-4", "11", "kPa"))}), "i",
-       "entry[0].resource.component[0].valueQuantity.code"},
-      {"FractionRefused", bundle({panel(kAt, quantity("8480-6", "128.5", "mm[Hg]"))}), "i",
-       "entry[0].resource.component[0].valueQuantity.value"},
-      {"BadTimeRefused", bundle({panel(R"("effectiveDateTime":"yesterday")", kPressures)}), "i",
-       "entry[0].resource.effectiveDateTime"},
-      {"NoEntries", R"({"resourceType":"Bundle","type":"collection"})", "", ""},
+       bundle({panel(kAt, quantity("8480-6", "17", "kPa") + "," + quantity("8462-4", "11", "kPa"))}),
+       "i entry[0].resource.component[0].valueQuantity.code"},
+      {"FractionRefused", bundle({panel(kAt, quantity("8480-6", "128.5", "mm[Hg]"))}),
+       "i entry[0].resource.component[0].valueQuantity.value"},
+      {"BadTimeRefused", bundle({panel(R"("effectiveDateTime":"yesterday")", kPressures)}),
+       "i entry[0].resource.effectiveDateTime"},
+      {"NoEntries", R"({"resourceType":"Bundle","type":"collection"})", ""},
   };
   for (const auto& test : cases) {
-    SCOPED_TRACE(test.name);
-    std::istringstream in(test.text);
-    const auto items = readAll(*readFhir(in));
-    std::string kinds;
-    for (const auto& item : items) {
-      if (const auto* incoming = std::get_if<IncomingReading>(&item)) {
-        kinds += 'r';
-        const Reading& reading = *incoming->reading;
+    for (const std::size_t blockSize :
+         {std::size_t{1}, std::size_t{5}, std::size_t{64}, std::size_t{1} << 16}) {
+      SCOPED_TRACE(std::string(test.name) + ", blocks of " + std::to_string(blockSize));
+      std::istringstream in(test.text);
+      std::string items;
+      for (const auto& item : readAll(*readFhir(in, {.blockSize = blockSize}))) {
+        const char kind = std::holds_alternative<IncomingReading>(item) ? 'r'
+                          : std::holds_alternative<InvalidRow>(item)    ? 'i'
+                                                                        : 's';
+        items += (items.empty() ? "" : ", ") + std::string(1, kind) + " " +
+                 std::visit([](const auto& any) { return any.position; }, item);
+        if (kind != 'r') continue;
+        const Reading& reading = testing::readingOf(item);
         EXPECT_EQ(reading.date(), Date::fromTimeIntervalSince1970(1736665920));
         EXPECT_EQ(reading.systolic() * 1000000 + reading.diastolic() * 1000 + reading.pulse(), 128082071);
-      } else {
-        kinds += std::holds_alternative<InvalidRow>(item) ? 'i' : 's';
       }
+      EXPECT_EQ(items, test.items);
     }
-    EXPECT_EQ(kinds, test.kinds);
-    const auto position = [](const auto& item) { return item.position; };
-    EXPECT_EQ(items.empty() ? "" : std::visit(position, items[0]), test.firstPosition);
   }
 }
 

@@ -19,8 +19,13 @@ using ::testing::AllOf;
 using ::testing::Property;
 using ::testing::Throws;
 
-TEST(FileIOTest, WritesAndReadsWholeFilesByteForByte) {
+// Every test writes in a folder of its own.
+class FileIOTest : public ::testing::Test {
+ protected:
   testing::TemporaryDirectory folder;
+};
+
+TEST_F(FileIOTest, WritesAndReadsWholeFilesByteForByte) {
   const auto path = folder.path() / "readings";
   std::string bytes(100000, '\0');
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 31);
@@ -30,8 +35,7 @@ TEST(FileIOTest, WritesAndReadsWholeFilesByteForByte) {
   }
 }
 
-TEST(FileIOTest, FailuresNameThePathAndTheReason) {
-  testing::TemporaryDirectory folder;
+TEST_F(FileIOTest, FailuresNameThePathAndTheReason) {
   const auto missing = folder.path() / "missing";
   const auto readMissing = [&] { readWholeFile(missing); };
   EXPECT_THAT(
@@ -45,8 +49,7 @@ TEST(FileIOTest, FailuresNameThePathAndTheReason) {
 
 // Each is refused before a byte is read, with a reason the tool shows as it is: a FIFO without a writer would
 // block, a device never ends.
-TEST(FileIOTest, RefusesWhatIsNotARegularFileOrTooLarge) {
-  testing::TemporaryDirectory folder;
+TEST_F(FileIOTest, RefusesWhatIsNotARegularFileOrTooLarge) {
   const auto fifo = folder.path() / "fifo", zeroLink = folder.path() / "zero", huge = folder.path() / "huge";
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   std::filesystem::create_symlink("/dev/zero", zeroLink);
@@ -67,8 +70,7 @@ TEST(FileIOTest, RefusesWhatIsNotARegularFileOrTooLarge) {
   }
 }
 
-TEST(FileIOTest, DurableReplaceWritesThroughASymbolicLinkAndKeepsIt) {
-  testing::TemporaryDirectory folder;
+TEST_F(FileIOTest, DurableReplaceWritesThroughASymbolicLinkAndKeepsIt) {
   const auto synced = folder.path() / "synced";
   std::filesystem::create_directory(synced);
   const auto target = synced / "readings", link = folder.path() / "readings";
@@ -79,8 +81,7 @@ TEST(FileIOTest, DurableReplaceWritesThroughASymbolicLinkAndKeepsIt) {
   EXPECT_EQ(readWholeFile(target), "new");
 }
 
-TEST(FileIOTest, NewFilesAreForTheOwnerOnly) {
-  testing::TemporaryDirectory folder;
+TEST_F(FileIOTest, NewFilesAreForTheOwnerOnly) {
   const auto plain = folder.path() / "plain", durable = folder.path() / "durable",
              created = folder.path() / "created";
   writeWholeFile(plain, "x");
@@ -93,8 +94,7 @@ TEST(FileIOTest, NewFilesAreForTheOwnerOnly) {
   }
 }
 
-TEST(FileIOTest, DurableReplaceRemovesTemporariesOfKilledSavesOnly) {
-  testing::TemporaryDirectory folder;
+TEST_F(FileIOTest, DurableReplaceRemovesTemporariesOfKilledSavesOnly) {
   const auto path = folder.path() / "readings";
   const auto abandoned = folder.path() / ".readings.tmp-0000000000000001";
   const auto inUse = folder.path() / ".readings.tmp-0000000000000002";

@@ -31,7 +31,8 @@ const std::vector<Tag> expectedDefaults{
 using TagsStoreTest = StorageTest;
 
 // The stored list in file order, or the defaults when there is none, it is empty or it can't be decoded
-// (logged, except for the empty list). A load leaves the file as it was.
+// (logged, except for the empty list). A load leaves the file as it was. Which texts can't be decoded is
+// the decoder's tests' and its fuzz seeds'; every decoding error takes the same way here.
 TEST_F(TagsStoreTest, LoadGivesTheStoredListOrTheDefaults) {
   const std::vector<Tag> two{tag("00000000-0000-4000-8000-000000000002", "Zulu", "ffffff"),
                              tag("00000000-0000-4000-8000-000000000001", "", "")};
@@ -46,8 +47,6 @@ TEST_F(TagsStoreTest, LoadGivesTheStoredListOrTheDefaults) {
       {"empty list", "[]", expectedDefaults, std::nullopt},
       {"two tags", json::encode(two), two, std::nullopt},
       {"cut short", "[{\"id\":", expectedDefaults, ""},
-      {"no color", R"([{"id":"45738A4A-865F-4470-8A22-2081AD989F44","title":"x"}])", expectedDefaults, ""},
-      {"not a list", R"({"tags":[]})", expectedDefaults, ""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

@@ -100,6 +100,7 @@ TEST_F(EmptyLogTest, APairOutsideTheCategoryTableIsToldWhichRowItMissed) {
            "but diastolic " + d + " is not (diastolic 59 or less))";
   };
   const std::vector<std::pair<Arguments, std::string>> cases{
+      {{"classify", "85/70"}, "85/70 mmHg: " + missed(85, 70) + "\n"},
       {{"list"}, "No category\n\n86/71 mmHg: " + missed(86, 71) + "\n85/70 mmHg: " + missed(85, 70) + "\n"},
       {{"summary"}, "Category of the average: " + missed(85, 70) + "\n"},  // truncated, as classified
       {{"report", "--keep-first-day"}, "Category of the average: " + missed(86, 71) + "."},  // rounded

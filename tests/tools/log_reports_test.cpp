@@ -69,8 +69,7 @@ TEST_F(LogReportsTest, SummaryComparesThePeriodWithTheOneBefore) {
 
 TEST_F(LogReportsTest, ExportWritesEveryColumnOldestFirstAndQuotesWhereNeeded) {
   const auto rows = lines(succeed({"export", "--from", "2026-02-01"}));
-  ASSERT_EQ(rows.size(), 5u);  // the note's line break is inside a quoted cell
-  EXPECT_EQ(rows[0], "Date,Systolic,Diastolic,Pulse,Category,Tags,Notes,ID\r");
+  ASSERT_EQ(rows.size(), 5u);  // a header (the writer's own test holds it) and a note with a line break
   EXPECT_THAT(rows[1], MatchesRegex("2026-02-25 08:00 \\+00:00,120,80,77,Normal,,,[-0-9A-F]{36}\r"));
   EXPECT_THAT(rows[2], HasSubstr("Left arm; Morning,\"dizzy, \"\"bad\"\" day"));
   EXPECT_THAT(lines(succeed({"export", "--format", "tsv", "--last", "100000d"})).back(),

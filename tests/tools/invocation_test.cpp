@@ -45,7 +45,6 @@ TEST_F(InvocationTest, BashCompletionOffersCommandsOptionsAndValues) {
       {{"ex"}, "export"},
       {{"tags", "a"}, "add"},
       {{"export", "--format", ""}, "csv tsv json fhir"},
-      {{"report", "--format", "h"}, "html"},
       {{"list", "--color", "a"}, "auto always"},
       {{"--color", "n"}, "never"},
       {{"list", "--w"}, "--wide"},

@@ -69,8 +69,7 @@ TEST_F(LogReportsTest, SummaryComparesThePeriodWithTheOneBefore) {
 
 TEST_F(LogReportsTest, ExportWritesEveryColumnOldestFirstAndQuotesWhereNeeded) {
   const auto rows = lines(succeed({"export", "--from", "2026-02-01"}));
-  ASSERT_EQ(rows.size(), 5u);  // the note's line break is inside a quoted cell
-  EXPECT_EQ(rows[0], "Date,Systolic,Diastolic,Pulse,Category,Tags,Notes,ID\r");
+  ASSERT_EQ(rows.size(), 5u);  // a header (the writer's own test holds it) and a note with a line break
   EXPECT_THAT(rows[1], MatchesRegex("2026-02-25 08:00 \\+00:00,120,80,77,Normal,,,[-0-9A-F]{36}\r"));
   EXPECT_THAT(rows[2], HasSubstr("Left arm; Morning,\"dizzy, \"\"bad\"\" day"));
   EXPECT_THAT(lines(succeed({"export", "--format", "tsv", "--last", "100000d"})).back(),
@@ -100,6 +99,7 @@ TEST_F(EmptyLogTest, APairOutsideTheCategoryTableIsToldWhichRowItMissed) {
            "but diastolic " + d + " is not (diastolic 59 or less))";
   };
   const std::vector<std::pair<Arguments, std::string>> cases{
+      {{"classify", "85/70"}, "85/70 mmHg: " + missed(85, 70) + "\n"},
       {{"list"}, "No category\n\n86/71 mmHg: " + missed(86, 71) + "\n85/70 mmHg: " + missed(85, 70) + "\n"},
       {{"summary"}, "Category of the average: " + missed(85, 70) + "\n"},  // truncated, as classified
       {{"report", "--keep-first-day"}, "Category of the average: " + missed(86, 71) + "."},  // rounded

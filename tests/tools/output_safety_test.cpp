@@ -54,8 +54,7 @@ TEST_F(OutputSafetyTest, ReplacesThePreviousFileWhole) {
   const auto out = root_ / "export.csv";
   writeFile(out, std::string(100000, 'x'));
   succeed({"export", "--out", out.string()});
-  EXPECT_THAT(readFile(out), ::testing::StartsWith("Date,"));
-  EXPECT_THAT(readFile(out), ::testing::HasSubstr(",first,"));
+  EXPECT_EQ(readFile(out), succeed({"export"}));
   EXPECT_THAT(leftovers(root_), ::testing::IsEmpty());
 }
 

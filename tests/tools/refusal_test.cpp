@@ -28,7 +28,7 @@ std::string expanded(std::string text, const std::filesystem::path& data) {
   return text;
 }
 
-// A log of one reading, long ago, and no tag list. The clocks of Berlin skip 02:00-03:00 on 29 March 2026.
+// A log of one reading, long ago, and no tag list, read in Berlin's time zone.
 class RefusalTest : public ToolTest, public ::testing::WithParamInterface<Refusal> {
  protected:
   RefusalTest() {
@@ -56,7 +56,6 @@ TEST_P(RefusalTest, ExplainsAndChangesNothing) {
 }
 
 const std::string kNotAReading = " is not a blood-pressure reading; write systolic/diastolic";
-const std::string kReversed = "the range ends before it starts";
 const std::string kUnreadableLog = "can't read the readings file {data}/readings: invalid JSON";
 const std::string kUnreadableTags =
     "can't change the tags while the tags file {data}/tags can't be read; nothing was changed";
@@ -64,9 +63,6 @@ const std::string kLeftAsItIs = "\nNothing was changed: the file is left exactly
 const std::string kAboveEveryRange =
     "not added: the systolic pressure 301 is outside 40-300 mmHg; the diastolic pressure 201 is outside "
     "20-200 mmHg; the pulse 251 is outside 20-250 beats per minute.\nCheck the reading, or add --force";
-const std::string kRepeatedHour =
-    "happens twice in the local time zone, because the clocks go back that night. Write it with its UTC "
-    "offset: \"2026-10-25 02:30+02:00\" for the first time, \"2026-10-25 02:30+01:00\" for the second";
 const std::string kDuplicate =
     "not added: the log already holds this reading, old  2001-01-01 01:00  120/80 mmHg, pulse 60: Normal.\n"
     "Add --force to keep both";
@@ -81,7 +77,6 @@ INSTANTIATE_TEST_SUITE_P(
         {{"add", "128/82/70", "-p", "71"}, 1, "the pulse is given twice"},
         {{"add", "301/201", "-p", "251"}, 1, kAboveEveryRange},
         {{"add", "120/80", "-p", "70", "--at", "2099-01-01 8:00"}, 1, "is in the future"},
-        {{"add", "120/80/70", "--at", "2026-10-25 2:30"}, 1, kRepeatedHour},
         {{"add", "120/80/60", "--at", "2001-01-01 1:00"}, 1, kDuplicate},
         {{"add", "120/80", "-p", "0x47"},
          2,
@@ -102,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
         {{"add", "120/80/70", "--tag", "Moring"}, 1, kUnknownTag},
         {{"list", "--from", "yesterdy"}, 1, "--from: \"yesterdy\" is not a date"},
         {{"list", "--last", "7x"}, 1, "--last: \"7x\" is not a span of days"},
-        {{"list", "--from", "2026-11-20", "--to", "2026-11-19"}, 1, kReversed},
+        {{"list", "--from", "2026-11-20", "--to", "2026-11-19"}, 1, "the range ends before it starts"},
         {{"list", "--bogus"},
          2,
          "cardiolith list has no option --bogus; it takes --from, --to, --last, --tag, --reverse, --wide or "
@@ -111,7 +106,6 @@ INSTANTIATE_TEST_SUITE_P(
         {{"summary", "--days", "0"}, 2, "--days"},
         {{"summary", "--to", "2026-03-08"}, 1, "--to needs --from"},
         {{"summary", "--days", "7", "--from", "2026-03-01"}, 2, "give --days or --from, not both"},
-        {{"summary", "--from", "2026-03-08", "--to", "2026-03-01"}, 1, kReversed},
         {{"summary", "--from", "9999-01-01"},
          1,
          "--from: 9999-01-01 is in the future, and the period runs from it to now; give a day before today"},
@@ -144,12 +138,10 @@ INSTANTIATE_TEST_SUITE_P(
          "--count takes a whole number of readings from 1 to 100000, e.g. --count 30"},
         {{"sample", "--variance", "0"}, 2, "--variance"},
         {{"tags", "add", "MORNING"}, 1, "there is already a tag \"Morning\""},
+        // Tag titles that would not show as typed, one row per check: which texts are blank or unprintable is
+        // the text functions' own test.
         {{"tags", "add", "  "}, 1, "a tag needs a title that shows something"},
-        // Tag titles that would not show as typed.
-        {{"tags", "add", "\u00a0\u200b"}, 1, "not only spaces"},  // no-break space, zero-width space
         {{"tags", "add", "two\nlines"}, 1, "can't hold line breaks"},
-        {{"tags", "add", "\x1b[31mred"}, 1, "control characters"},
-        {{"tags", "add", "a\u202eb"}, 1, "direction overrides"},  // a right-to-left override
         {{"tags", "add", std::string(101, 'x')}, 1, "has 101 characters; at most 100"},
         {{"tags", "rename", "Morning", "two\nlines"}, 1, "can't hold line breaks"},
         {{"tags", "add", "Walk", "--color", "abc"}, 1, "--color: \"abc\" is not a colour"},

@@ -23,6 +23,13 @@ class ReportCommandTest : public ToolTest {
   Arguments week(const Arguments& more = {}) {
     return joined({"report", "--from", "2026-03-02", "--to", "2026-03-08"}, more);
   }
+  // The week's report written as a PDF, as pdftotext reads it, and as an HTML page.
+  std::pair<std::string, std::string> printed() {
+    const auto pdf = root_ / "report.pdf", html = root_ / "report.html";
+    succeed(week({"--format", "pdf", "-o", pdf.string()}));
+    succeed(week({"--format", "html", "-o", html.string()}));
+    return {pdfText(pdf), readFile(html)};
+  }
 };
 
 TEST_F(ReportCommandTest, TextGivesTheHomeAverageWithoutTheFirstDayWithin80Columns) {
@@ -67,16 +74,12 @@ TEST_F(ReportCommandTest, JsonHoldsEveryFigure) {
 }
 
 TEST_F(ReportCommandTest, PdfKeepsTheFiguresAsTextAndHtmlNamesNothingOutside) {
-  const auto pdf = root_ / "report.pdf", html = root_ / "report.html";
-  succeed(week({"--format", "pdf", "-o", pdf.string()}));
-  succeed(week({"--format", "html", "-o", html.string()}));
-  const std::string text = pdfText(pdf);
+  const auto [text, page] = printed();
   for (const auto& expected : {"Home average 133/83 mmHg (High)", "Threshold 135/85 mmHg not reached",
                                "138.0", "128.0", "133.0", "Mon 2 Mar 2026 (left out)", "Systolic (mmHg)",
                                "Morning", "Evening", "Other times", "Threshold 135/85", "threshold 85"})
     EXPECT_THAT(text, HasSubstr(expected));
 
-  const std::string page = readFile(html);
   EXPECT_THAT(page, HasSubstr("<strong>133/83 mmHg</strong>"));
   EXPECT_THAT(page, HasSubstr("<svg"));
   for (const auto& outside : {"http:", "https:", "src=", "<script", "url(", "@import", "<link"})
@@ -126,13 +129,9 @@ TEST_F(ReportCommandTest, NotesOfThePeriodAreShownAsPlainTextInEveryFormAtMostTw
                                                       R"("notes":"dizzy after standing up"})"));
   EXPECT_EQ(report["notes"][2]["notes"], longNote);
 
-  const auto pdf = root_ / "notes.pdf", html = root_ / "notes.html";
-  succeed(week({"--format", "pdf", "-o", pdf.string()}));
-  succeed(week({"--format", "html", "-o", html.string()}));
-  const std::string printed = pdfText(pdf);
-  EXPECT_THAT(printed, HasSubstr("dizzy after standing up"));
-  EXPECT_THAT(printed, HasSubstr("Your notes"));
-  const std::string page = readFile(html);
+  const auto [pdf, page] = printed();
+  EXPECT_THAT(pdf, HasSubstr("dizzy after standing up"));
+  EXPECT_THAT(pdf, HasSubstr("Your notes"));
   EXPECT_THAT(page, HasSubstr("<td class=\"note\">&lt;script&gt;alert(1)&lt;/script&gt;</td>"));
   EXPECT_THAT(page, Not(HasSubstr("<script")));
   EXPECT_THAT(page, HasSubstr(more));

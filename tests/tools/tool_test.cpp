@@ -87,9 +87,9 @@ std::string ToolTest::succeed(const Arguments& arguments) {
   return result.out;
 }
 
-std::string ToolTest::refusal(const Arguments& arguments, int exitCode) {
+std::string ToolTest::refusal(const Arguments& arguments) {
   const auto result = run(arguments);
-  EXPECT_EQ(result.exitCode, exitCode) << ::testing::PrintToString(arguments) << ": " << result.err;
+  EXPECT_EQ(result.exitCode, 1) << ::testing::PrintToString(arguments) << ": " << result.err;
   return result.err;
 }
 

@@ -41,8 +41,8 @@ class ToolTest : public ::testing::Test {
   std::vector<std::string> environmentList() const;
   // Runs the tool, expects success and returns standard output.
   std::string succeed(const Arguments& arguments);
-  // Runs the tool, expects it to fail with `exitCode` and returns standard error.
-  std::string refusal(const Arguments& arguments, int exitCode = 1);
+  // Runs the tool, expects it to refuse the request (exit status 1) and returns standard error.
+  std::string refusal(const Arguments& arguments);
   // The readings of `list --json` with these options.
   nlohmann::json listed(const Arguments& options = {});
 

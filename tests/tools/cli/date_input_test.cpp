@@ -52,7 +52,10 @@ TEST(DateInputTest, ReadsEveryFormInTheUsersTimeZone) {
       {"Europe/Berlin", berlin, "2 hours ago", "2026-11-25 12:10"},
       {"Europe/Berlin", berlin, "now", "2026-11-25 14:10"},
       {"Europe/Berlin", berlin, "2026-10-25 02:30+01:00", "2026-10-25 02:30"},
-      {"Europe/Berlin", berlin, "2026-10-25 02:30", "error: --at: \"2026-10-25 02:30\" happens twice"},
+      {"Europe/Berlin", berlin, "2026-10-25 2:30",
+       "error: --at: \"2026-10-25 2:30\" happens twice in the local time zone, because the clocks go back "
+       "that night. Write it with its UTC offset: \"2026-10-25 02:30+02:00\" for the first time, "
+       "\"2026-10-25 02:30+01:00\" for the second"},
       {"Europe/Berlin", berlin, "2026-03-29 2:30", "error: --at: \"2026-03-29 2:30\" does not exist"},
       {"Europe/Berlin", berlin, "2026-02-29 8:00", "error: --at: \"2026-02-29 8:00\" is not a day"},
       {"Europe/Berlin", berlin, "8:60", "error: --at: \"8:60\" is not a time of day"},
